@@ -1,0 +1,134 @@
+#include "common/evidence_file.h"
+
+#include <QFileInfo>
+
+#include <array>
+
+#ifdef Q_OS_UNIX
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#endif
+#ifdef Q_OS_LINUX
+#include <linux/fs.h>
+#include <sys/ioctl.h>
+#endif
+
+using namespace Qt::StringLiterals;
+
+namespace
+{
+
+#ifdef Q_OS_UNIX
+
+int open_read_only(const QByteArray &path, int flags)
+{
+    flags |= O_RDONLY | O_CLOEXEC | O_NONBLOCK;
+#ifdef O_NOATIME
+    // Only the owner and root may ask for an unchanged access time.
+    const int quiet = ::open(path.constData(), flags | O_NOATIME);
+    if (quiet >= 0 || errno != EPERM)
+        return quiet;
+#endif
+    return ::open(path.constData(), flags);
+}
+
+#endif
+
+#ifdef Q_OS_LINUX
+
+/// Shares the blocks with the source, or lets the kernel copy them; false when the file systems
+/// offer neither. The copy may then hold a part of the source.
+bool copy_inside_kernel(const QFile &source, const QFile &copy)
+{
+    if (::ioctl(copy.handle(), FICLONE, source.handle()) == 0)
+        return true;
+    qint64 left = source.size();
+    while (left > 0) {
+        const auto copied = ::copy_file_range(source.handle(), nullptr, copy.handle(), nullptr,
+                                              static_cast<size_t>(left), 0);
+        if (copied <= 0)
+            return false;
+        left -= copied;
+    }
+    return true;
+}
+
+#else
+
+bool copy_inside_kernel(const QFile &, const QFile &)
+{
+    return false;
+}
+
+#endif
+
+bool copy_by_reading(QFile &source, QFile &copy)
+{
+    if (!source.seek(0) || !copy.resize(0) || !copy.seek(0))
+        return false;
+    std::array<char, 256 * 1024> buffer;
+    for (;;) {
+        const qint64 got = source.read(buffer.data(), buffer.size());
+        if (got <= 0)
+            return got == 0 && copy.flush();
+        if (copy.write(buffer.data(), got) != got)
+            return false;
+    }
+}
+
+} // namespace
+
+bool evidence_file::open_for_reading(links last_component)
+{
+#ifdef Q_OS_UNIX
+    const int descriptor = open_read_only(QFile::encodeName(fileName()),
+                                          last_component == links::refused ? O_NOFOLLOW : 0);
+    if (descriptor < 0) {
+        setErrorString(QString::fromLocal8Bit(std::strerror(errno)));
+        return false;
+    }
+    struct stat status = {};
+    if (::fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode)) {
+        ::close(descriptor);
+        setErrorString(u"Not a regular file"_s);
+        return false;
+    }
+    return QFile::open(descriptor, QIODevice::ReadOnly, QFileDevice::AutoCloseHandle);
+#else
+    const QFileInfo info(fileName());
+    if (!info.isFile() || (last_component == links::refused && info.isSymLink())) {
+        setErrorString(u"Not a regular file"_s);
+        return false;
+    }
+    return QFile::open(QIODevice::ReadOnly);
+#endif
+}
+
+bool copy_evidence_file(const QString &source, const QString &copy,
+                        evidence_file::links last_component)
+{
+    evidence_file from(source);
+    if (!from.open_for_reading(last_component))
+        return false;
+    QFile to(copy);
+    if (!to.open(QIODevice::WriteOnly | QIODevice::NewOnly))
+        return false;
+    if (copy_inside_kernel(from, to) || copy_by_reading(from, to))
+        return true;
+    to.close();
+    QFile::remove(copy);
+    return false;
+}
+
+bool is_inside_folder(const QString &path, const QString &folder)
+{
+    const QString resolved_path = QFileInfo(path).canonicalFilePath();
+    const QString resolved_folder = QFileInfo(folder).canonicalFilePath();
+    if (resolved_path.isEmpty() || resolved_folder.isEmpty())
+        return false;
+    return resolved_path == resolved_folder || resolved_folder == "/"_L1 ||
+           resolved_path.startsWith(resolved_folder + u'/');
+}

@@ -1,0 +1,79 @@
+#include "common/extraction/extraction_run.h"
+
+#include "common/extraction/extractor_state.h"
+
+#include "common/evidence_file.h"
+#include "common/extraction/failure_log.h"
+#include "common/plugin_static_function.h"
+
+#include <chrono>
+#include <utility>
+
+namespace
+{
+
+constexpr qint64 signal_interval_ms = 1000;
+
+qint64 steady_milliseconds()
+{
+    using namespace std::chrono;
+    return duration_cast<milliseconds>(steady_clock::now().time_since_epoch()).count();
+}
+
+} // namespace
+
+extraction_run::extraction_run(record_signal signal, clock now)
+    : signal_(std::move(signal)), now_(now ? std::move(now) : clock(steady_milliseconds))
+{
+    restart_progress();
+}
+
+void extraction_run::restart_progress()
+{
+    last_signal_ = now_();
+}
+
+void extraction_run::count_record()
+{
+    ++records_;
+    if (now_() - last_signal_ <= signal_interval_ms)
+        return;
+    signal_records();
+    restart_progress();
+}
+
+bool lies_in_source(const QString &path, const QString &signature, const extraction_run &run)
+{
+    if (is_inside_folder(path, run.source_root))
+        return true;
+    plugin_static_function::app_debug(
+        operation_tag(signature) + u" file does not lie in the source ---------FAILED----------" +
+            path,
+        signature);
+    return false;
+}
+
+QString path_inside_source(const QString &path, const extraction_run &run)
+{
+    QString inside = path;
+    if (inside.startsWith(run.source_root))
+        inside.remove(0, run.source_root.size());
+    if (!inside.trimmed().isEmpty() && !inside.startsWith(u'/'))
+        inside.prepend(u'/');
+    return inside;
+}
+
+source_file::source_file(const QString &found_path, const extraction_run &run) : path(found_path)
+{
+    using common = plugin_static_function;
+    std::tie(system_user, domain_user) =
+        common::extract_user_name_from_sourcefile(path, run.source_root);
+    std::tie(stored_path, relation_path) = common::get_final_artifact_source_file(
+        path_inside_source(path, run), run.source_root, run.source_type);
+}
+
+void tidy_account_names(QStringList &names)
+{
+    names.removeDuplicates();
+    names.removeAll(QString());
+}

@@ -1,0 +1,71 @@
+#pragma once
+
+#include <QString>
+#include <QtGlobal>
+
+#include <atomic>
+#include <functional>
+
+class plugin_helper_functions;
+
+/// What all extractors of one operating system share during a run: where the evidence lies, where
+/// rows go, whether the host has cancelled, and how many rows have been written.
+class extraction_run
+{
+public:
+    using record_signal = std::function<void(qint64 records)>;
+    using clock = std::function<qint64()>; ///< milliseconds that never go back
+
+    /// The signal is called with the running count, at most once a second while rows are written.
+    /// Tests pass a clock of their own; without one the system's steady clock is used.
+    explicit extraction_run(record_signal signal, clock now = {});
+
+    QString source_root;       ///< path of the mounted source, ends in "/"
+    QString source_type;       ///< for example macOS_Home_Directory
+    QString os_scheme_display; ///< value of every os_scheme_display column
+    QString result_directory;  ///< ends in "/"; exported pictures go into its "Images/"
+    QString destination_path;  ///< the result database
+    plugin_helper_functions *helper = nullptr; ///< makes private copies; not owned
+    /// An extractor with nothing to do (cancelled, or no files) ends after its start line, without
+    /// opening the result database.
+    bool idle_extractors_end_early = true;
+
+    /// May be called from any thread.
+    void set_cancelled(bool cancelled) { cancelled_ = cancelled; }
+    bool cancelled() const { return cancelled_; }
+
+    qint64 records() const { return records_; }
+    void set_records(qint64 records) { records_ = records; }
+
+    /// Starts the second after which the next written row is signalled.
+    void restart_progress();
+    /// Counts one written row and signals the count when the last signal is over 1000 ms old.
+    void count_record();
+    /// Signals the count now; the second goes on as it was.
+    void signal_records() const { signal_(records_); }
+
+private:
+    record_signal signal_;
+    clock now_;
+    qint64 last_signal_ = 0;
+    qint64 records_ = 0;
+    std::atomic<bool> cancelled_ = false;
+};
+
+/// One found file of the evidence and the column values that all its rows share.
+struct source_file {
+    QString path; ///< where it lies on the examiner's machine
+    QString system_user;
+    QString domain_user;
+    QString stored_path;   ///< value of source_file: inside the source, begins with "/"
+    QString relation_path; ///< value of artifacts_relation_source_file
+
+    source_file(const QString &path, const extraction_run &run);
+};
+
+/// False, and logged under the signature, for a path that does not exist or that links of the
+/// evidence lead out of the source: such a file is not touched.
+bool lies_in_source(const QString &path, const QString &signature, const extraction_run &run);
+
+/// The path without the source root and with a leading "/" (a blank path stays as it is).
+QString path_inside_source(const QString &path, const extraction_run &run);

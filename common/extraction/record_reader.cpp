@@ -1,0 +1,50 @@
+#include "common/extraction/record_reader.h"
+
+#include "common/plugin_static_function.h"
+
+#include <utility>
+
+namespace
+{
+
+/// False when the extractor is to return without its end line.
+bool read_all(const record_reader &reader, const QString &signature, const QStringList &files,
+              extraction_run &run, const file_reading_function &read_file)
+{
+    result_writer writer(signature, run, reader.destination_failed, reader.insert_failed);
+    if (!writer.is_open())
+        return false;
+    for (const QString &path : files) {
+        if (run.cancelled())
+            return false;
+        if (!lies_in_source(path, signature, run))
+            continue;
+        const source_file file(path, run);
+        record_sink sink(writer.begin_file(reader.insert, file), file, run);
+        if (read_file(sink) == reading_end::at_once || run.cancelled())
+            return false;
+    }
+    return true;
+}
+
+} // namespace
+
+bool record_sink::write(QVariantList values)
+{
+    if (run_.cancelled())
+        return false;
+    record_row row(run_, file_, std::move(values));
+    insert_.write(row);
+    return true;
+}
+
+void read_records(const record_reader &reader, const QStringList &files, extraction_run &run,
+                  const file_reading_function &read_file)
+{
+    const QString signature = QString::fromUtf8(reader.signature);
+    plugin_static_function::app_debug(QString::fromUtf8(reader.starts), signature);
+    if (run.idle_extractors_end_early && (run.cancelled() || files.isEmpty()))
+        return;
+    if (read_all(reader, signature, files, run, read_file))
+        plugin_static_function::app_debug(QString::fromUtf8(reader.ends), signature);
+}

@@ -1,0 +1,121 @@
+#include "common/extraction/result_writer.h"
+
+#include "common/plugin_static_function.h"
+
+#include <QtSql/QSqlDriver>
+#include <QtSql/QSqlError>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace
+{
+
+/// The driver's native code for "somebody else holds the database".
+constexpr QLatin1StringView database_is_locked = "5"_L1;
+
+} // namespace
+
+row_insertion::row_insertion(QSqlQuery &query, const insertion &statement, const QString &signature,
+                             const failure_lines &insert_failed, extraction_run &run)
+    : query_(query), statement_(statement), signature_(signature), insert_failed_(insert_failed),
+      run_(run)
+{
+    const QString sql = QString::fromUtf8(statement.sql);
+    if (!query_.prepare(sql))
+        prepare_error_ = query_.lastError().text();
+}
+
+void row_insertion::begin_file(const source_file &file)
+{
+    for (int position = 0; const value_rule &rule : statement_.values) {
+        if (rule.of_file)
+            query_.bindValue(position, rule.of_file(run_, file));
+        ++position;
+    }
+}
+
+row_insertion::outcome row_insertion::write(source_row &row)
+{
+    for (int position = 0; const value_rule &rule : statement_.values) {
+        if (rule.of_row)
+            query_.bindValue(position, rule.of_row(row, rule.column));
+        ++position;
+    }
+    if (row.interrupted())
+        return outcome::interrupted;
+
+    if (!prepare_error_.isEmpty()) {
+        log_failure_of(row, prepare_error_);
+        return outcome::failed;
+    }
+    if (!query_.exec()) {
+        const QSqlError error = query_.lastError();
+        log_failure_of(row, error.text());
+        // The first row has waited for the other process long enough; were every row to wait, a
+        // large source would seem to hang.
+        if (error.nativeErrorCode() == database_is_locked)
+            QSqlQuery(query_.driver()->createResult()).exec(u"PRAGMA busy_timeout = 0"_s);
+        return outcome::failed;
+    }
+    run_.count_record();
+    return outcome::written;
+}
+
+void row_insertion::log_failure_of(const source_row &row, const QString &error) const
+{
+    log_failure(insert_failed_, signature_,
+                {.path = row.file().path,
+                 .system_user = row.file().system_user,
+                 .error = error,
+                 .query = query_.lastQuery()});
+}
+
+struct result_writer::prepared_insertion {
+    QSqlQuery query;
+    row_insertion rows;
+
+    prepared_insertion(QSqlDatabase &database, const insertion &statement, const QString &signature,
+                       const failure_lines &insert_failed, extraction_run &run)
+        : query(database), rows(query, statement, signature, insert_failed, run)
+    {
+    }
+};
+
+result_writer::result_writer(const QString &signature, extraction_run &run,
+                             const failure_lines &destination_failed,
+                             const failure_lines &insert_failed)
+    : signature_(signature), run_(run), insert_failed_(insert_failed),
+      connection_(signature_, run.destination_path)
+{
+    if (!is_open()) {
+        log_failure(destination_failed, signature_, {.error = connection_.error_text()});
+        return;
+    }
+    connection_.database().transaction();
+}
+
+result_writer::~result_writer()
+{
+    insertions_.clear();
+    if (!is_open() || connection_.database().commit())
+        return;
+    plugin_static_function::app_debug(
+        operation_tag(signature_) + u" commit to destination database ---------FAILED----------",
+        signature_);
+    plugin_static_function::app_debug(connection_.error_text(), signature_);
+}
+
+row_insertion &result_writer::begin_file(const insertion &statement, const source_file &file)
+{
+    auto known = std::ranges::find_if(
+        insertions_, [&](const auto &entry) { return &entry->rows.statement() == &statement; });
+    if (known == insertions_.end())
+        known = insertions_.insert(
+            known, std::make_unique<prepared_insertion>(connection_.database(), statement,
+                                                        signature_, insert_failed_, run_));
+    row_insertion &rows = (*known)->rows;
+    rows.begin_file(file);
+    return rows;
+}

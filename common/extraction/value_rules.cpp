@@ -1,0 +1,115 @@
+#include "common/extraction/value_rules.h"
+
+#include "common/plugin_static_function.h"
+#include "common/text_values.h"
+
+using namespace Qt::StringLiterals;
+
+bool source_row::look_up(int, const QVariant &, const std::function<void(const QSqlQuery &)> &)
+{
+    return false;
+}
+
+constinit const value_rule untagged = {
+    .of_file = [](const extraction_run &, const source_file &) -> QVariant { return u"0"_s; }};
+constinit const value_rule untagged_number = {
+    .of_file = [](const extraction_run &, const source_file &) -> QVariant { return 0; }};
+constinit const value_rule system_user = {
+    .of_file = [](const extraction_run &, const source_file &file) -> QVariant {
+        return file.system_user;
+    }};
+constinit const value_rule domain_user = {
+    .of_file = [](const extraction_run &, const source_file &file) -> QVariant {
+        return file.domain_user;
+    }};
+constinit const value_rule source_file_path = {
+    .of_file = [](const extraction_run &, const source_file &file) -> QVariant {
+        return file.stored_path;
+    }};
+constinit const value_rule relation_source_file = {
+    .of_file = [](const extraction_run &, const source_file &file) -> QVariant {
+        return file.relation_path;
+    }};
+constinit const value_rule os_scheme_display = {
+    .of_file = [](const extraction_run &run, const source_file &) -> QVariant {
+        return run.os_scheme_display;
+    }};
+constinit const value_rule source_count_name = {
+    .of_file = [](const extraction_run &, const source_file &) -> QVariant {
+        return plugin_static_function::get_source_count_name();
+    }};
+constinit const value_rule empty_value = {
+    .of_file = [](const extraction_run &, const source_file &) -> QVariant {
+        return empty_text();
+    }};
+
+value_rule as_stored(int column)
+{
+    return {.of_row = [](source_row &row, int from) -> QVariant { return row.text(from); },
+            .column = column};
+}
+
+value_rule trimmed(int column)
+{
+    return {.of_row = [](source_row &row, int from) -> QVariant {
+                const QString text = row.text(from);
+                const QString rest = text.trimmed();
+                // A text of blanks alone is empty, but it is not NULL.
+                return rest.isNull() && !text.isNull() ? empty_text() : rest;
+            },
+            .column = column};
+}
+
+value_rule unix_seconds(int column)
+{
+    return {.of_row = [](source_row &row, int from) -> QVariant {
+                return plugin_static_function::convert_google_time_to_epoch(row.text(from));
+            },
+            .column = column};
+}
+
+value_rule unix_seconds_keeping_zero(int column)
+{
+    return {.of_row = [](source_row &row, int from) -> QVariant {
+                const QString text = row.text(from);
+                if (text.isEmpty() || text == "0"_L1)
+                    return text;
+                return plugin_static_function::convert_google_time_to_epoch(text);
+            },
+            .column = column};
+}
+
+value_rule yes_when_one(int column)
+{
+    return {.of_row = [](source_row &row, int from) -> QVariant {
+                return yes_or_no(row.text(from) == "1"_L1);
+            },
+            .column = column};
+}
+
+value_rule yes_when_trimmed_one(int column)
+{
+    return {.of_row = [](source_row &row, int from) -> QVariant {
+                return yes_or_no(row.text(from).trimmed() == "1"_L1);
+            },
+            .column = column};
+}
+
+value_rule percent_decoded(int column)
+{
+    return {.of_row = [](source_row &row, int from) -> QVariant {
+                return decode_percent(row.text(from));
+            },
+            .column = column};
+}
+
+value_rule derived(int index)
+{
+    return {.of_row = [](source_row &row, int from) -> QVariant { return row.derived.value(from); },
+            .column = index};
+}
+
+value_rule from_row(QVariant (*function)(source_row &, int), int column)
+{
+    return {.of_row = function, .column = column};
+}

@@ -1,0 +1,187 @@
+#include "common/evidence_file.h"
+#include "common/plugin_static_function.h"
+
+#include <QDir>
+#include <QDirIterator>
+#include <QFileInfo>
+
+using namespace Qt::StringLiterals;
+
+namespace
+{
+
+const QString home_directory_source = u"macOS_Home_Directory"_s;
+
+QString with_leading_slash(const QString &path)
+{
+    if (path.startsWith(u'/') || path.trimmed().isEmpty())
+        return path;
+    return u'/' + path;
+}
+
+/// Copies by reading and writing, so that each side's failure can be named.
+void copy_file(const QString &source, const QString &destination, const QString &signature)
+{
+    using log = plugin_static_function;
+    evidence_file from(source);
+    if (!from.open_for_reading(evidence_file::links::refused)) {
+        log::app_debug(u"[copy_directory] source file open ----FAILED---- :"_s + source, signature);
+        log::app_debug(u"[copy_directory] Error:"_s + from.errorString(), signature);
+        return;
+    }
+    QFile to(destination);
+    if (!to.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
+        log::app_debug(u"[copy_directory] destination file open ----FAILED---- :"_s + destination,
+                       signature);
+        log::app_debug(u"[copy_directory] Error:"_s + to.errorString(), signature);
+        return;
+    }
+    while (!from.atEnd()) {
+        const QByteArray block = from.read(256 * 1024);
+        if (block.isEmpty() || to.write(block) != block.size()) {
+            log::app_debug(u"[copy_directory] Error:"_s + from.errorString() + u' ' +
+                               to.errorString(),
+                           signature);
+            return;
+        }
+    }
+}
+
+} // namespace
+
+QString plugin_static_function::get_available_file(const QString &directory,
+                                                   const QString &file_path,
+                                                   const QString & /*caller*/)
+{
+    const QString signature =
+        u"static QString plugin_static_function::get_available_file(QString, QString, QString)"_s;
+    QDir().mkpath(directory);
+    const QString file_name = QFileInfo(file_path).fileName();
+    QString name = file_name;
+    for (qint64 counter = 1;; ++counter) {
+        if (bool_cancel_extraction)
+            return {};
+        if (!is_file_exist_in_dir(directory, name, signature))
+            return name;
+        name = QString::number(counter) + u'_' + file_name;
+    }
+}
+
+bool plugin_static_function::is_file_exist_in_dir(const QString &directory,
+                                                  const QString &file_name,
+                                                  const QString & /*caller*/)
+{
+    const QString wanted = file_name.trimmed();
+    QDirIterator entries(directory,
+                         QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
+    while (entries.hasNext()) {
+        entries.next();
+        if (entries.fileName().trimmed() == wanted)
+            return true;
+    }
+    return false;
+}
+
+QString plugin_static_function::get_complete_file_path(const QString &path,
+                                                       const QString &user_name,
+                                                       const QString &source_type)
+{
+    static constexpr QLatin1StringView users = "/Users/"_L1;
+    QString complete = path;
+    if (source_type == home_directory_source && complete.startsWith(users)) {
+        const qsizetype end_of_user = complete.indexOf(u'/', users.size());
+        const QString rest = end_of_user < 0 ? QString() : complete.mid(end_of_user);
+        complete = users + user_name + rest;
+    }
+    return with_leading_slash(complete);
+}
+
+QString plugin_static_function::get_relative_file_path(const QString &path, const QString &prefix,
+                                                       const QString &source_type)
+{
+    QString relative = path;
+    if (source_type == home_directory_source) {
+        if (const qsizetype found = relative.indexOf(prefix); found >= 0)
+            relative.remove(0, found + prefix.size());
+    }
+    return with_leading_slash(relative);
+}
+
+std::pair<QString, QString>
+plugin_static_function::get_final_artifact_source_file(const QString &path, const QString &prefix,
+                                                       const QString &source_type)
+{
+    return {get_relative_file_path(path, prefix, source_type),
+            source_type == home_directory_source ? path : u""_s};
+}
+
+std::pair<QString, QString>
+plugin_static_function::extract_user_name_from_sourcefile(const QString &path,
+                                                          const QString &prefix)
+{
+    if (system_account_QList.isEmpty())
+        return {u""_s, u""_s};
+    const QStringList parts = path.mid(prefix.size()).split(u'/');
+    if (parts.size() < 2)
+        return {u""_s, u""_s};
+    const QString &candidate = parts.at(1);
+    for (const auto &account : std::as_const(system_account_QList)) {
+        if (account.system_user == candidate)
+            return {account.system_user, account.domain_user};
+    }
+    return {candidate, u""_s};
+}
+
+void plugin_static_function::copy_directory(const QString &source, const QString &destination)
+{
+    const QString signature =
+        u"static void plugin_static_function::copy_directory(QString, QString)"_s;
+    if (!QDir(source).exists()) {
+        app_debug(u"[copy_directory] source diectory does not exist ----FAILED---- :"_s + source,
+                  signature);
+        return;
+    }
+    QDir().mkpath(destination);
+    if (is_inside_folder(destination, source)) {
+        app_debug(u"[copy_directory] Error:destination lies in the source, "_s + destination,
+                  signature);
+        return;
+    }
+    QDirIterator entries(source,
+                         QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
+    while (entries.hasNext()) {
+        entries.next();
+        const QFileInfo entry = entries.fileInfo();
+        const QString target = destination + u'/' + entry.fileName();
+        if (entry.isSymLink())
+            continue;
+        if (entry.isDir())
+            copy_directory(entry.filePath(), target);
+        else
+            copy_file(entry.filePath(), target, signature);
+    }
+}
+
+void plugin_static_function::remove_directory(const QString &directory)
+{
+    // An empty path would mean the current directory.
+    const QString path = QDir::cleanPath(directory);
+    if (path.isEmpty())
+        return;
+    if (QFileInfo(path).isSymLink())
+        QFile::remove(path);
+    else
+        QDir(path).removeRecursively();
+}
+
+QStringList
+plugin_static_function::get_unmatched_varible_list_of_parentlist(const QStringList &parent_list,
+                                                                 const QStringList &other_list)
+{
+    QStringList unmatched;
+    for (const QString &entry : parent_list) {
+        if (!other_list.contains(entry))
+            unmatched.append(entry);
+    }
+    return unmatched;
+}

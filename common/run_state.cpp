@@ -1,0 +1,74 @@
+// The process-wide state of plugin_static_function and what sets it.
+
+#include "common/plugin_static_function.h"
+
+QString plugin_static_function::source_os_version_full;
+QList<struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_system_account>
+    plugin_static_function::system_account_QList;
+int plugin_static_function::source_count_int = -1;
+std::atomic<bool> plugin_static_function::bool_cancel_extraction = false;
+
+void plugin_static_function::set_essentials()
+{
+    debug_file_path_QString.clear();
+    type_engine_int = -1;
+    bool_cancel_extraction = false;
+    source_count_int = -1;
+    debug_mode_status_bool = false;
+    debug_print_in_file_bool = false;
+    debug_print_on_terminal_bool = false;
+    debug_encryption_status_bool = false;
+    system_account_QList.clear();
+}
+
+void plugin_static_function::set_engine_type(int engine_type)
+{
+    type_engine_int = engine_type;
+}
+
+void plugin_static_function::set_source_count(int source_count)
+{
+    source_count_int = source_count;
+}
+
+void plugin_static_function::set_cancel_extraction(bool cancel)
+{
+    bool_cancel_extraction = cancel;
+}
+
+void plugin_static_function::set_source_info(
+    const struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_source_info &source_info)
+{
+    source_os_version_full = source_info.os_version_full;
+    system_account_QList = source_info.system_account_list;
+}
+
+void plugin_static_function::set_desktop_info(
+    const struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_desktop_info & /*desktop_info*/)
+{
+}
+
+QString plugin_static_function::get_source_count_name()
+{
+    return u"Source" + QString::number(source_count_int);
+}
+
+void plugin_static_function::clear_variables_mirva_and_artifact_common_source_info(
+    struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_source_info &source_info)
+{
+    source_info = {};
+}
+
+void plugin_static_function::clear_variables_mirva_and_artifact_common_desktop_info(
+    struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_desktop_info &desktop_info)
+{
+    desktop_info = {};
+}
+
+void plugin_static_function::clear_variables_mirva_and_artifact_common_general_info(
+    struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_general_info &general_info)
+{
+    const bool encryption = general_info.debug_encryption_status;
+    general_info = {};
+    general_info.debug_encryption_status = encryption;
+}

@@ -1,0 +1,273 @@
+#include "common/plugin_static_function.h"
+#include "common/text_values.h"
+
+#include <QLocale>
+
+#include <array>
+#include <chrono>
+#include <optional>
+#include <span>
+
+using namespace Qt::StringLiterals;
+
+namespace
+{
+
+constexpr qint64 seconds_from_1601_to_1970 = 11'644'473'600;
+constexpr qint64 seconds_from_1970_to_2001 = 978'307'200;
+
+bool is_empty_or_zero(QStringView text)
+{
+    return text.isEmpty() || text == u"0";
+}
+
+QStringView before_point(QStringView text)
+{
+    const qsizetype point = text.indexOf(u'.');
+    return point < 0 ? text : text.first(point);
+}
+
+/// Fills the field with the number, right-aligned, with leading zeros.
+void put_digits(std::span<char16_t> field, qint64 number)
+{
+    for (auto digit = field.rbegin(); digit != field.rend(); ++digit, number /= 10)
+        *digit = static_cast<char16_t>(u'0' + number % 10);
+}
+
+QString two_digits(int number)
+{
+    return u"%1"_s.arg(number, 2, 10, QChar(u'0'));
+}
+
+std::optional<qint64> unix_seconds(const QString &text, const QString &format)
+{
+    // Parsing goes over the text several times; no date is this long.
+    constexpr qsizetype longest_date = 100;
+    if (text.size() > longest_date)
+        return std::nullopt;
+    const QDateTime instant = QLocale::c().toDateTime(text, format);
+    if (!instant.isValid())
+        return std::nullopt;
+    return instant.toMSecsSinceEpoch() / 1000;
+}
+
+/// For a text that names no zone and means UTC. The zone is added before parsing: as local time, an
+/// hour that the local clocks skip would not be readable.
+std::optional<qint64> unix_seconds_of_utc(const QString &text, const QString &format)
+{
+    return unix_seconds(text + u" UTC", format + u" t");
+}
+
+/// The human-readable forms give 0, not an empty text, for a date that cannot be read.
+QString text_or_zero(std::optional<qint64> seconds)
+{
+    return QString::number(seconds.value_or(0));
+}
+
+QString text_or_empty(std::optional<qint64> seconds)
+{
+    return seconds ? QString::number(*seconds) : empty_text();
+}
+
+} // namespace
+
+QString plugin_static_function::convert_google_time_to_epoch(const QString &google_time)
+{
+    if (is_empty_or_zero(google_time))
+        return empty_text();
+    if (google_time.size() == 10)
+        return google_time;
+
+    const auto microseconds = static_cast<qint64>(google_time.toULongLong());
+    return QString::number(microseconds / 1'000'000 - seconds_from_1601_to_1970);
+}
+
+QString plugin_static_function::convert_timestamp_to_human_readable_in_UTC(const QString &timestamp)
+{
+    using namespace std::chrono;
+
+    const int unix_time = before_point(QStringView(timestamp).trimmed()).toInt();
+    if (unix_time == 0)
+        return empty_text();
+
+    // Runs for every visit of a history; calendar arithmetic costs a fraction of a QDateTime.
+    const sys_seconds instant{seconds(unix_time)};
+    const sys_days midnight = floor<days>(instant);
+    const year_month_day date(midnight);
+    const hh_mm_ss time(instant - midnight);
+    constexpr std::u16string_view months = u"JanFebMarAprMayJunJulAugSepOctNovDec";
+
+    char16_t text[] = u"dd-MMM-yyyy hh:mm:ss";
+    const std::span field(text);
+    put_digits(field.subspan(0, 2), static_cast<unsigned>(date.day()));
+    months.copy(&text[3], 3, 3 * (static_cast<unsigned>(date.month()) - 1));
+    put_digits(field.subspan(7, 4), static_cast<int>(date.year()));
+    put_digits(field.subspan(12, 2), time.hours().count());
+    put_digits(field.subspan(15, 2), time.minutes().count());
+    put_digits(field.subspan(18, 2), time.seconds().count());
+    return QString::fromUtf16(text, std::size(text) - 1);
+}
+
+QString plugin_static_function::convert_human_readable_to_epoch_1(const QString &text)
+{
+    const QString format = u"MMM d, yyyy, h:mm:ss AP"_s;
+    const QString padded = text.trimmed() + u' '; // so that the zone may be missing
+    if (is_empty_or_zero(padded.chopped(1)))
+        return empty_text();
+
+    const qsizetype mark = std::max(padded.indexOf(u" AM "), padded.indexOf(u" PM "));
+    if (mark < 0)
+        return text_or_zero(std::nullopt);
+    const QString date_time = padded.first(mark + 3);
+    const QString zone = padded.sliced(mark + 3).trimmed();
+    return text_or_zero(zone == u"UTC" ? unix_seconds_of_utc(date_time, format)
+                                       : unix_seconds(date_time, format));
+}
+
+QString plugin_static_function::convert_human_readable_to_epoch_2(const QString &text)
+{
+    QString date_time = text.trimmed();
+    if (const qsizetype point = date_time.indexOf(u'.'); point >= 0) {
+        qsizetype end = point + 1;
+        while (end < date_time.size() && date_time[end].isDigit())
+            ++end;
+        date_time.remove(point, end - point); // what follows the fraction is the offset
+    }
+    if (is_empty_or_zero(date_time))
+        return empty_text();
+
+    const bool ahead_of_utc = date_time.contains(u'+');
+    // A minus sign counts behind the hour only: the date is written with such signs.
+    const qsizetype sign =
+        ahead_of_utc ? date_time.indexOf(u'+') : date_time.indexOf(u'-', date_time.indexOf(u':'));
+    qint64 offset = 0;
+    if (sign >= 0) {
+        offset = static_cast<qint64>(
+            convert_timezone_to_seconds(date_time.sliced(sign + 1).remove(u':')));
+        date_time = date_time.first(sign).trimmed();
+    }
+
+    std::optional<qint64> seconds = unix_seconds_of_utc(date_time, u"yyyy-MM-dd hh:mm:ss"_s);
+    if (seconds)
+        *seconds += ahead_of_utc ? -offset : offset;
+    return text_or_zero(seconds);
+}
+
+QString plugin_static_function::convert_human_readable_to_epoch_3(const QString &text)
+{
+    QString date_time = text.trimmed();
+    if (is_empty_or_zero(date_time))
+        return empty_text();
+
+    date_time.remove(0, date_time.indexOf(u',') + 1);
+    if (const qsizetype zone = date_time.lastIndexOf(u' '); zone >= 0)
+        date_time.truncate(zone);
+    return text_or_zero(unix_seconds_of_utc(date_time.trimmed(), u"dd MMM yyyy hh:mm:ss"_s));
+}
+
+quint64 plugin_static_function::convert_timezone_to_seconds(const QString &zone)
+{
+    const qint64 hours = QStringView(zone).left(2).toInt();
+    const qint64 minutes = QStringView(zone).mid(2).toInt();
+    return static_cast<quint64>((hours * 60 + minutes) * 60);
+}
+
+QString plugin_static_function::get_human_readable_time(const QString &seconds)
+{
+    const QStringView trimmed = QStringView(seconds).trimmed();
+    if (trimmed.isEmpty())
+        return empty_text();
+    const int duration = before_point(trimmed).toInt();
+    if (duration < 0)
+        return empty_text();
+
+    const int hours = duration / 3600;
+    const QString below_hour = two_digits(duration % 3600 / 60) + u':' + two_digits(duration % 60);
+    if (hours == 0)
+        return below_hour + u" Min";
+    return two_digits(hours) + u':' + below_hour + u" Hrs";
+}
+
+QString plugin_static_function::convert_apple_time_to_epoch(const QString &apple_time)
+{
+    const QStringView trimmed = QStringView(apple_time).trimmed();
+    if (is_empty_or_zero(trimmed))
+        return empty_text();
+    return QString::number(before_point(trimmed).toInt() + seconds_from_1970_to_2001);
+}
+
+QString plugin_static_function::convert_T_Z_time_to_epoch(const QString &text)
+{
+    QString date_time = text.trimmed().replace(u'T', u' ');
+    if (date_time.endsWith(u'Z'))
+        date_time.chop(1);
+    date_time = before_point(date_time).trimmed().toString();
+
+    for (const QString &format : {u"yyyyMMdd hhmmss"_s, u"yyyyMMdd"_s, u"yyyy-MM-dd hh:mm:ss"_s}) {
+        if (const std::optional<qint64> seconds = unix_seconds_of_utc(date_time, format))
+            return QString::number(*seconds);
+    }
+    return empty_text();
+}
+
+QString plugin_static_function::get_posix_timestamp(const QString &text, const QString &format)
+{
+    const QString trimmed = text.trimmed();
+    if (trimmed.isEmpty())
+        return empty_text();
+    return text_or_empty(unix_seconds_of_utc(trimmed, format));
+}
+
+QString plugin_static_function::human_readable_size(const QString &bytes)
+{
+    const QString trimmed = bytes.trimmed();
+    if (trimmed.isEmpty())
+        return empty_text();
+
+    constexpr quint64 kilobyte = 1024;
+    constexpr quint64 megabyte = 1024 * kilobyte;
+    const quint64 size = trimmed.toULongLong();
+    if (size < kilobyte)
+        return QString::number(size) + u" B";
+    const auto in_units_of = [size](quint64 unit) {
+        return QString::number(static_cast<double>(size) / static_cast<double>(unit), 'f', 2);
+    };
+    if (size < megabyte)
+        return in_units_of(kilobyte) + u" KB";
+    // No larger unit: sizes from a megabyte up are meant to stay comparable at sight.
+    return in_units_of(megabyte) + u" MB";
+}
+
+QString plugin_static_function::get_source_os_scan_version(const QString &scheme)
+{
+    if (scheme != u"macOS" && scheme != u"iOS" && scheme != u"winOS")
+        return empty_text();
+
+    const auto is_digit = [](QChar c) { return c >= u'0' && c <= u'9'; };
+    const QString &version = source_os_version_full;
+    const auto begin = std::ranges::find_if(version, is_digit);
+    const auto end = std::find_if_not(begin, version.cend(), is_digit);
+    return empty_text() + QStringView(begin, end);
+}
+
+QString plugin_static_function::convert_string_to_unicode(const QString &text)
+{
+    app_debug(u" : running"_s,
+              u"static QString plugin_static_function::convert_string_to_unicode(QString)"_s);
+
+    QString decoded = empty_text();
+    decoded.reserve(text.size());
+    for (QStringView rest = text; !rest.isEmpty();) {
+        qsizetype used = 1;
+        if (const std::optional<QChar> code_unit = leading_unicode_escape(rest)) {
+            decoded += *code_unit;
+            used = unicode_escape_size;
+        } else {
+            // An escaped backslash begins no escape.
+            used = rest.startsWith(u"\\\\") ? 2 : 1;
+            decoded += rest.first(used);
+        }
+        rest = rest.sliced(used);
+    }
+    return decoded;
+}

@@ -1,0 +1,81 @@
+#include "host/evidence_source.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QStringList>
+
+#include <filesystem>
+
+using namespace Qt::StringLiterals;
+
+namespace
+{
+
+/// The path with every link resolved, also one that leads to something not yet there: opening such
+/// a link for writing would create its target.
+std::filesystem::path resolved(std::filesystem::path path)
+{
+    namespace fs = std::filesystem;
+    constexpr int most_links = 40;
+    std::error_code error;
+    for (int links = 0; links < most_links; ++links) {
+        fs::path existing = path;
+        fs::path rest;
+        while (!fs::exists(fs::symlink_status(existing, error)) && existing.has_relative_path()) {
+            rest = rest.empty() ? existing.filename() : existing.filename() / rest;
+            existing = existing.parent_path();
+        }
+        const fs::path real = fs::canonical(existing, error);
+        if (!error)
+            return rest.empty() ? real : real / rest;
+        const fs::path target = fs::read_symlink(existing, error);
+        if (error)
+            break;
+        path = (existing.parent_path() / target / rest).lexically_normal();
+    }
+    return path;
+}
+
+} // namespace
+
+QString source_problem(const QString &source)
+{
+    const QFileInfo folder(source);
+    if (!folder.exists())
+        return u"the source " + source + u" does not exist";
+    if (!folder.isDir())
+        return u"the source " + source + u" is no folder";
+    if (!folder.isReadable() || !folder.isExecutable())
+        return u"the source " + source + u" cannot be read";
+    return {};
+}
+
+QList<struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_system_account>
+accounts_of_source(const QString &source)
+{
+    static const QStringList nobodys = {u"Shared"_s,       u"Public"_s,    u"Default"_s,
+                                        u"Default User"_s, u"All Users"_s, u"Guest"_s};
+    QList<struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_system_account> accounts;
+    const QStringList names =
+        QDir(source + u"/Users")
+            .entryList(QDir::Dirs | QDir::NoDotAndDotDot | QDir::NoSymLinks, QDir::Name);
+    for (const QString &name : names) {
+        if (!name.startsWith(u'.') && !nobodys.contains(name))
+            accounts.append({name, {}});
+    }
+    return accounts;
+}
+
+bool lies_within(const QString &path, const QString &folder)
+{
+    // Folders are compared by identity: their spelling may differ where case does not count.
+    const std::filesystem::path evidence = QFileInfo(folder).filesystemFilePath();
+    std::error_code error;
+    std::filesystem::path parent = resolved(QFileInfo(path).filesystemFilePath());
+    while (!std::filesystem::equivalent(parent, evidence, error)) {
+        if (!parent.has_relative_path())
+            return false;
+        parent = parent.parent_path();
+    }
+    return true;
+}

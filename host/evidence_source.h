@@ -1,0 +1,18 @@
+#pragma once
+
+#include "common/host_records.h"
+
+#include <QList>
+#include <QString>
+
+/// Why the folder cannot be read as an evidence source; empty when it can.
+QString source_problem(const QString &source);
+
+/// The accounts that have a folder of their own under the source's "Users", by name. Folders that
+/// belong to nobody, hidden folders and links are no accounts.
+QList<struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_system_account>
+accounts_of_source(const QString &source);
+
+/// True when the path is the folder or lies in it, once links are resolved. Neither the path nor
+/// its parents need exist.
+bool lies_within(const QString &path, const QString &folder);

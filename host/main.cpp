@@ -1,0 +1,108 @@
+#include "host/cancel_watch.h"
+#include "host/decipher_log.h"
+#include "host/evidence_source.h"
+#include "host/extraction_session.h"
+#include "host/options.h"
+#include "host/plugin_loader.h"
+#include "host/result_location.h"
+#include "host/terminal.h"
+#include "plugin/opera.h"
+
+#include <QApplication>
+
+#include <csignal>
+
+using namespace Qt::StringLiterals;
+
+namespace
+{
+
+enum exit_status { done = 0, cannot_run = 1, wrong_usage = 2, interrupted = 130 };
+
+int fail_with(const QString &problem)
+{
+    terminal::print_error(problem);
+    return cannot_run;
+}
+
+int extract(host_options options, cancel_watch &cancel)
+{
+    QString problem = source_problem(options.source);
+    if (problem.isEmpty())
+        problem = evidence_conflict(options);
+    if (!problem.isEmpty())
+        return fail_with(problem);
+
+    const loaded_plugin plugin = load_plugin(options.plugin_file);
+    problem = plugin.controller ? make_writable(options) : plugin.problem;
+    if (!problem.isEmpty())
+        return fail_with(problem);
+
+    if (options.accounts.isEmpty())
+        options.accounts = accounts_of_source(options.source);
+    if (options.accounts.isEmpty() && !options.quiet)
+        terminal::print_error(u"note: no account has a folder under " + options.source + u"/Users");
+
+    const extraction_outcome outcome = run_extraction(*plugin.controller, options, cancel);
+    if (!outcome.problem.isEmpty())
+        return fail_with(outcome.problem);
+    terminal::print_result(summary_text(outcome, options));
+    return done;
+}
+
+int run(const host_options &options, char **arguments)
+{
+    cancel_watch cancel;
+    // The controller is a widget, though never shown: no display is needed.
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    // Qt would take some of our options for its own: it gets none.
+    int argument_count = 1;
+    const QApplication application(argument_count, arguments);
+    terminal::show_messages(options.verbose);
+
+    const int status = extract(options, cancel);
+    return status == done && cancel.cancelled() ? int{interrupted} : status;
+}
+
+command_line read_arguments(int argument_count, char **arguments)
+{
+    const QCoreApplication application(argument_count, arguments);
+    return read_command_line(QCoreApplication::arguments());
+}
+
+int act(const command_line &command, char **arguments)
+{
+    switch (command.what) {
+    case command_line::action::show_help:
+        terminal::print_result(command.text);
+        return done;
+    case command_line::action::show_version:
+        terminal::print_result(u"opera_extract " + QStringLiteral(OPERA_EXTRACT_VERSION) + u'\n');
+        return done;
+    case command_line::action::refuse:
+        terminal::print_error(command.text + u"; opera_extract --help shows the usage");
+        return wrong_usage;
+    case command_line::action::decipher_log:
+        return decipher_log(command.text);
+    case command_line::action::extract:
+        break;
+    }
+    return run(command.options, arguments);
+}
+
+} // namespace
+
+int main(int argument_count, char **arguments)
+{
+#ifdef SIGPIPE
+    // A reader that went away is noticed as a failed write.
+    std::signal(SIGPIPE, SIG_IGN);
+#endif
+    terminal::install_message_handler();
+
+    int status = act(read_arguments(argument_count, arguments), arguments);
+    if (!terminal::flush_results() && status == done)
+        status = cannot_run;
+    return status;
+}

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+struct host_options;
+
+/// Rows of one result table.
+struct table_rows {
+    QString table;
+    qint64 rows = 0;
+};
+
+/// What a run has to show for itself.
+struct extraction_outcome {
+    QString problem; ///< why it could not run; empty when it could
+    QString database;
+    qint64 records = 0;     ///< the plug-in's own count
+    QList<table_rows> rows; ///< rows of this run
+    double seconds = 0;
+    bool cancelled = false;
+};
+
+/// The rows that the tables hold now; empty when one of them cannot be read. Opens the database
+/// read-only.
+QList<table_rows> count_rows(const QString &database, const QStringList &tables);
+
+/// The outcome as the JSON object or the table that the options ask for, ready to print.
+QString summary_text(const extraction_outcome &outcome, const host_options &options);

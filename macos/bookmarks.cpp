@@ -1,0 +1,298 @@
+// Bookmarks and Speed Dial, from the "Bookmarks" file: a walk over its JSON, and a reader that goes
+// line by line.
+
+#include "common/evidence_file.h"
+#include "common/extraction/record_reader.h"
+#include "common/plugin_static_function.h"
+#include "common/text_values.h"
+#include "macos/opera_macos.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+using namespace Qt::StringLiterals;
+
+namespace
+{
+
+/// Places of a record's values.
+enum bookmark_value { date_added, name, url, folder, icon_url };
+
+const std::vector<value_rule> walk_values = {untagged,
+                                             system_user,
+                                             as_stored(date_added),
+                                             as_stored(name),
+                                             as_stored(url),
+                                             as_stored(folder),
+                                             as_stored(icon_url),
+                                             source_file_path,
+                                             relation_source_file,
+                                             os_scheme_display,
+                                             source_count_name};
+
+// The Speed Dial reader writes under its own signature the texts of the bookmark reader: hosts know
+// them so.
+const record_reader bookmarks_11 = {
+    .signature = "void opera_macos::extract_11_bookmarks(QString)",
+    .starts = "[extract_11_bookmarks] starts",
+    .destination_failed = {"[extract_11_bookmarks] destination_db open --------FAILED------",
+                           "[extract_11_bookmarks] end with failure"},
+    .insert_failed =
+        query_failure("[extract_bookmarks_items]insert query execution -----FAILED------ "),
+    .ends = "[extract_11_bookmarks] ends",
+    .insert = {.sql = "insert into bookmarks(bookmark,system_user,date_added, name, url,folder,"
+                      "icon_url, source_file,artifacts_relation_source_file,os_scheme_display,"
+                      "source_count_name) values(?,?,?,?,?,?,?,  ?,?,?,?)",
+               .values = walk_values},
+};
+
+const record_reader speeddials_11 = {
+    .signature = "void opera_macos::extract_11_speeddials(QString)",
+    .starts = "[extract_11_bookmarks] starts",
+    .destination_failed = {"[extract_11_bookmarks] destination_db open --------FAILED------",
+                           "[extract_11_bookmarks] end with failure"},
+    .insert_failed = query_failure("[sub_xcode_extract_bookmarks_nsitems]insert query execution "
+                                   "-----FAILED------ "),
+    .ends = "[extract_11_bookmarks] ends",
+    .insert = {.sql = "insert into speeddials(bookmark,system_user,date_added, name, url,folder,"
+                      "icon_url, source_file,artifacts_relation_source_file,os_scheme_display,"
+                      "source_count_name) values(?,?,?,?,?,?,?,?,  ?,?,?)",
+               .values = walk_values},
+};
+
+const record_reader bookmark_lines = {
+    .signature = "void opera_macos::extract_bookmark()",
+    .starts = "[extract_bookmark] starts",
+    .destination_failed =
+        open_failure("[extract_bookmark]Destination Db opening --------FAILED------- "),
+    .insert_failed =
+        query_failure("[extract_bookmark]insert query execution --------FAILED------- "),
+    .ends = "[extract_bookmark] end.",
+    .insert = {.sql = "insert into bookmarks(bookmark,system_user,date_added, name, url, "
+                      "source_file,artifacts_relation_source_file,os_scheme_display,"
+                      "source_count_name) values(?,?,?,?,?,?,?,?,?)",
+               .values = {untagged, system_user, as_stored(date_added), as_stored(name),
+                          as_stored(url), source_file_path, relation_source_file, os_scheme_display,
+                          source_count_name}},
+};
+
+/// A JSON string, or an empty text for every other type.
+QString string_of(const QJsonValue &value)
+{
+    return value.isString() ? not_null(value.toString()) : empty_text();
+}
+
+/// The values of a bookmark in the order of bookmark_value.
+QVariantList bookmark_record(const QJsonObject &entry, const QString &folder_path)
+{
+    const QString seconds = plugin_static_function::convert_google_time_to_epoch(
+        string_of(entry.value("date_added"_L1)));
+    const QJsonValue meta_info = entry.value("meta_info"_L1);
+    return {not_null(seconds.trimmed()), string_of(entry.value("name"_L1)),
+            decode_percent(string_of(entry.value("url"_L1))), folder_path,
+            string_of(meta_info.toObject().value("imageData"_L1))};
+}
+
+void enter_folder(QString &path, const QString &name)
+{
+    path += name.isEmpty() ? u"Folder/"_s : name + u'/';
+}
+
+void leave_folder(QString &path)
+{
+    if (path.endsWith(u'/'))
+        path.chop(1);
+    path.truncate(path.lastIndexOf(u'/') + 1);
+}
+
+} // namespace
+
+void opera_macos::walk_bookmarks(const bookmark_walk &walk, const QJsonValue &children,
+                                 const QJsonObject &parent, bool cancelled)
+{
+    plugin_static_function::app_debug(u"[extract_bookmarks_items] starts"_s, walk.signature);
+    if (children.isArray()) {
+        const QJsonArray entries = children.toArray();
+        if (!entries.isEmpty())
+            enter_folder(current_folder_path_, string_of(parent.value("name"_L1)));
+        for (qsizetype i = 0; i < entries.size(); ++i) {
+            if (cancelled || state_.run.cancelled())
+                return;
+            const QJsonObject entry = entries.at(i).toObject();
+            const QString type = string_of(entry.value("type"_L1));
+            if (type == "url"_L1) {
+                record_row row(state_.run, walk.file, bookmark_record(entry, current_folder_path_));
+                walk.rows.write(row);
+            } else if (type == "folder"_L1) {
+                walk_bookmarks(walk, entry.value("children"_L1), entry, false);
+            }
+            if (i + 1 == entries.size())
+                leave_folder(current_folder_path_);
+        }
+        return;
+    }
+    plugin_static_function::app_debug(u"[extract_bookmarks_items] ends"_s, walk.signature);
+}
+
+void opera_macos::walk_items(const record_reader &reader, const QString &signature,
+                             const QJsonValue &children, const QJsonObject &parent,
+                             const QString &source_path, QSqlQuery &query, const QString &account,
+                             bool cancelled)
+{
+    source_file file(source_path, state_.run);
+    file.system_user = account;
+    row_insertion rows(query, reader.insert, signature, reader.insert_failed, state_.run);
+    rows.begin_file(file);
+    walk_bookmarks({rows, file, signature}, children, parent, cancelled);
+}
+
+void opera_macos::extract_bookmarks_items(const QJsonValue &children, const QJsonObject &parent,
+                                          const QString &source_path, QSqlQuery &query,
+                                          const QString &account, bool cancelled)
+{
+    walk_items(bookmarks_11,
+               u"void opera_macos::extract_bookmarks_items(QJsonValue, QJsonObject, QString, "
+               "QSqlQuery, QString, bool)"_s,
+               children, parent, source_path, query, account, cancelled);
+}
+
+void opera_macos::extract_speeddials_items(const QJsonValue &children, const QJsonObject &parent,
+                                           const QString &source_path, QSqlQuery &query,
+                                           const QString &account, bool cancelled)
+{
+    walk_items(speeddials_11,
+               u"void opera_macos::extract_speeddials_items(QJsonValue, QJsonObject, QString, "
+               "QSqlQuery, QString, bool)"_s,
+               children, parent, source_path, query, account, cancelled);
+}
+
+void opera_macos::read_bookmark_roots(const record_reader &reader, const QString &source_path,
+                                      const bookmark_roots &walk_roots)
+{
+    const QStringList files = source_path.isEmpty() ? QStringList() : QStringList(source_path);
+    read_records(reader, files, state_.run, [&](record_sink &sink) {
+        evidence_file file(sink.file().path);
+        if (!file.open_for_reading()) {
+            plugin_static_function::app_debug(
+                u"[extract_11_bookmarks] source file opening ---FAILED--- "_s + sink.file().path,
+                QString::fromUtf8(reader.signature));
+            return reading_end::at_once;
+        }
+        const QJsonObject top = QJsonDocument::fromJson(file.readAll()).object();
+        file.close();
+        walk_roots(top.value("roots"_L1).toObject(), sink);
+        return reading_end::next_file;
+    });
+}
+
+void opera_macos::extract_11_bookmarks(const QString &source_path)
+{
+    read_bookmark_roots(
+        bookmarks_11, source_path, [this](const QJsonObject &roots, record_sink &sink) {
+            const auto walk = [&](const QJsonObject &root) {
+                current_folder_path_.clear();
+                if (root.contains("children"_L1))
+                    extract_bookmarks_items(root.value("children"_L1), root, sink.file().path,
+                                            sink.insert().query(), sink.file().system_user,
+                                            state_.run.cancelled());
+            };
+            for (const QLatin1StringView key : {"bookmark_bar"_L1, "other"_L1, "synced"_L1})
+                walk(roots.value(key).toObject());
+            const QJsonObject custom_root = roots.value("custom_root"_L1).toObject();
+            for (const QJsonValue sub_root : custom_root)
+                walk(sub_root.toObject());
+        });
+}
+
+void opera_macos::extract_11_speeddials(const QString &source_path)
+{
+    read_bookmark_roots(
+        speeddials_11, source_path, [this](const QJsonObject &roots, record_sink &sink) {
+            const QJsonObject root =
+                roots.value("custom_root"_L1).toObject().value("speedDial"_L1).toObject();
+            current_folder_path_.clear();
+            if (root.contains("children"_L1))
+                extract_speeddials_items(root.value("children"_L1), root, sink.file().path,
+                                         sink.insert().query(), sink.file().system_user,
+                                         state_.run.cancelled());
+        });
+}
+
+namespace
+{
+
+/// The three texts of one JSON object of the line-by-line reader.
+struct line_bookmark {
+    QString date_added = empty_text();
+    QString name = empty_text();
+    QString url; ///< null until the object's "url" line
+};
+
+/// The value of a line that begins with the key; null for every other line.
+QString value_of_line(const QString &line, QLatin1StringView key)
+{
+    if (!line.startsWith(key))
+        return {};
+    return not_null(line.mid(key.size()).remove(u',').remove(u'"').trimmed());
+}
+
+bool write_line_bookmark(const line_bookmark &bookmark, record_sink &sink)
+{
+    if (bookmark.url.isNull())
+        return true;
+    using common = plugin_static_function;
+    const QString seconds = common::convert_google_time_to_epoch(bookmark.date_added);
+    return sink.write({seconds.section(u'.', 0, 0),
+                       common::convert_string_to_unicode(bookmark.name), bookmark.url});
+}
+
+/// Reads the browser's own layout, one key or bracket a line. Each object keeps its values on a
+/// stack until its closing bracket, so that a URL meets the name and date of its own object,
+/// whatever the order of its keys and whatever objects lie inside.
+void read_bookmark_lines(QFile &file, record_sink &sink)
+{
+    std::vector<line_bookmark> objects(1);
+    while (!file.atEnd()) {
+        if (sink.run().cancelled())
+            return;
+        const QString line = QString::fromUtf8(file.readLine()).trimmed();
+        if (line.startsWith(u'}') && objects.size() > 1) {
+            if (!write_line_bookmark(objects.back(), sink))
+                return;
+            objects.pop_back();
+        }
+        line_bookmark &object = objects.back();
+        if (const QString found = value_of_line(line, "\"url\":"_L1); !found.isNull())
+            object.url = found;
+        else if (const QString label = value_of_line(line, "\"name\":"_L1); !label.isNull())
+            object.name = label;
+        else if (const QString time = value_of_line(line, "\"date_added\":"_L1); !time.isNull())
+            object.date_added = time;
+        if (line.endsWith(u'{'))
+            objects.emplace_back();
+    }
+    // A file that is cut off leaves objects open.
+    for (; !objects.empty(); objects.pop_back()) {
+        if (!write_line_bookmark(objects.back(), sink))
+            return;
+    }
+}
+
+} // namespace
+
+void opera_macos::extract_bookmark()
+{
+    read_records(bookmark_lines, found_.bookmarks, state_.run, [](record_sink &sink) {
+        const QString signature = QString::fromUtf8(bookmark_lines.signature);
+        evidence_file file(sink.file().path);
+        if (file.open_for_reading()) {
+            read_bookmark_lines(file, sink);
+        } else {
+            plugin_static_function::app_debug(
+                u"[extract_bookmark]source file -----FAILED----- to open"_s, signature);
+            plugin_static_function::app_debug(u"-----Error----"_s + file.errorString(), signature);
+        }
+        return reading_end::next_file;
+    });
+}

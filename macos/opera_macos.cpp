@@ -1,0 +1,218 @@
+#include "macos/opera_macos.h"
+
+#include "common/plugin_static_function.h"
+
+#include <QFileInfo>
+
+#include <vector>
+
+using namespace Qt::StringLiterals;
+
+opera_macos::opera_macos(QWidget *parent)
+    : QWidget(parent), state_{.run = extraction_run([this](qint64 records) {
+                                  Q_EMIT signal_extracted_records_of_plugin_macos(records);
+                              })}
+{
+}
+
+void opera_macos::macos_set_plugin_helper_obj(plugin_helper_functions *helper)
+{
+    state_.run.helper = helper;
+}
+
+void opera_macos::macos_set_record_count(qint64 records)
+{
+    state_.run.set_records(records);
+}
+
+void opera_macos::macos_set_tab_processed_count(int tables)
+{
+    state_.tabs_processed = tables;
+}
+
+void opera_macos::macos_set_desktop_info(
+    const struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_desktop_info & /*info*/)
+{
+}
+
+void opera_macos::macos_set_general_info(
+    const struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_general_info & /*info*/)
+{
+}
+
+void opera_macos::macos_set_source_info(
+    const struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_source_info &info)
+{
+    state_.run.source_root = info.virtual_source_path;
+    state_.run.source_type = info.source_type_internal;
+    state_.run.os_scheme_display = info.os_scheme_display;
+    for (const auto &account : info.system_account_list)
+        state_.account_names.append(account.system_user);
+    tidy_account_names(state_.account_names);
+}
+
+void opera_macos::macos_set_essentials()
+{
+    state_.run.set_cancelled(false);
+}
+
+void opera_macos::macos_set_plugin_name(const QString &name)
+{
+    state_.plugin_name = name.trimmed();
+}
+
+void opera_macos::macos_set_destination_location(const QString &result_directory,
+                                                 const QString & /*temporary_directory*/,
+                                                 const QString &destination_db_path)
+{
+    state_.run.result_directory = result_directory;
+    state_.run.destination_path = destination_db_path;
+}
+
+void opera_macos::macos_set_essential_for_mirva_bench_extraction(const QList<QString> &tables)
+{
+    state_.table_list = tables;
+}
+
+void opera_macos::macos_set_engine_type(int engine_type)
+{
+    state_.engine_type = engine_type;
+}
+
+void opera_macos::macos_cancel_extraction()
+{
+    state_.run.set_cancelled(true);
+}
+
+void opera_macos::macos_set_source_count(int source_count)
+{
+    state_.source_count = source_count;
+}
+
+void opera_macos::macos_set_extended_attributes_list(const QList<QString> &names)
+{
+    extended_attributes_ = names;
+}
+
+void opera_macos::macos_find_artifacts_source()
+{
+    find_source_file();
+}
+
+void opera_macos::macos_extract_artifacts()
+{
+    state_.run.restart_progress();
+    extract_plugin_artifacts();
+    state_.run.signal_records();
+}
+
+void opera_macos::find_source_file()
+{
+    enum class folder { cache, profile };
+    using lists = std::vector<QStringList found_files::*>;
+    struct candidate {
+        folder in;
+        const char *name;
+        lists consumers;
+    };
+    using f = found_files;
+    static const candidate candidates[] = {
+        {folder::cache, "Cache", {&f::cached_files}},
+        {folder::cache, "Media Cache", {&f::cached_files}},
+        {folder::profile, "Preferences", {&f::preferences}},
+        {folder::profile, "Local State", {&f::local_state}},
+        {folder::profile,
+         "History",
+         {&f::history, &f::downloads, &f::search_items_11, &f::search_items}},
+        {folder::profile, "Favicons", {&f::favicons}},
+        {folder::profile, "Cookies", {&f::cookies}},
+        {folder::profile, "Bookmarks", {&f::bookmarks}},
+        {folder::profile, "Sync Data/SyncData.sqlite3", {&f::sync_data}},
+        {folder::profile, "Current Tabs", {&f::sessions}},
+        {folder::profile, "Current Session", {&f::sessions}},
+        {folder::profile, "Last Session", {&f::sessions}},
+        {folder::profile, "Last Tabs", {&f::sessions}},
+        {folder::profile, "favorites.db", {&f::topsites}},
+        {folder::profile, "Login Data", {&f::logins}},
+        {folder::profile,
+         "Web Data",
+         {&f::web_data_11, &f::web_data, &f::web_data_spare_1, &f::web_data_spare_2}},
+        {folder::profile, "thumbnails.db", {&f::thumbnails}},
+    };
+
+    const QString signature = u"void opera_macos::find_source_file()"_s;
+    plugin_static_function::app_debug(u"[find_source_file] starts"_s, signature);
+    const QString users = state_.run.source_root + u"Users/";
+    found_ = {};
+    for (const QString &account : std::as_const(state_.account_names)) {
+        const QString home = users + account + u"/Library/";
+        const QString profile = home + u"Application Support/com.operasoftware.Opera/";
+        const QString cache = home + u"Caches/com.operasoftware.Opera/";
+        for (const candidate &one : candidates) {
+            const QString path =
+                (one.in == folder::cache ? cache : profile) + QLatin1StringView(one.name);
+            if (!QFileInfo::exists(path))
+                continue;
+            for (const auto list : one.consumers)
+                (found_.*list).append(path);
+        }
+    }
+    plugin_static_function::app_debug(u"[find_source_file] ends"_s, signature);
+}
+
+bool opera_macos::run_current_then_older(int (opera_macos::*current)(),
+                                         void (opera_macos::*older)())
+{
+    if ((this->*current)() == -1)
+        (this->*older)();
+    state_.run.signal_records();
+    return true;
+}
+
+bool opera_macos::run_once(void (opera_macos::*extractor)())
+{
+    (this->*extractor)();
+    state_.run.signal_records();
+    return true;
+}
+
+bool opera_macos::run_per_file(const QStringList &files,
+                               void (opera_macos::*extractor)(const QString &))
+{
+    for (const QString &file : files) {
+        if (state_.run.cancelled())
+            return false;
+        (this->*extractor)(file);
+        state_.run.signal_records();
+    }
+    return true;
+}
+
+void opera_macos::extract_plugin_artifacts()
+{
+    using m = opera_macos;
+    // clang-format off
+    static constexpr table_step<m> steps[] = {
+        {"history",           [](m &o) { return o.run_current_then_older(&m::extract_history_11, &m::extract_history_url); }},
+        {"bookmarks",         [](m &o) { return o.run_per_file(o.found_.bookmarks, &m::extract_11_bookmarks); }},
+        {"speeddials",        [](m &o) { return o.run_per_file(o.found_.bookmarks, &m::extract_11_speeddials); }},
+        {"search_items",      [](m &o) { return o.run_current_then_older(&m::extract_search_items_11, &m::extract_search_items); }},
+        {"cookies",           [](m &o) { return o.run_current_then_older(&m::extract_cookies_11, &m::extract_cookies); }},
+        {"logins",            [](m &o) { return o.run_once(&m::extract_logins_11); }},
+        {"autofill",          [](m &o) { return o.run_current_then_older(&m::extract_webdata_autofill_11, &m::extract_webdata_autofill); }},
+        {"autofill_profiles", [](m &o) { return o.run_current_then_older(&m::extract_webdata_autofill_profiles_11, &m::extract_webdata_autofill_profiles); }},
+        {"credits_cards",     [](m &o) { return o.run_once(&m::extract_webdata_credit_cards_11); }},
+        {"sessions",          [](m &o) { return o.run_once(&m::extract_sessions_11); }},
+        {"topsites",          [](m &o) { return o.run_once(&m::extract_topsites); }},
+    };
+    // clang-format on
+
+    const QString signature = u"void opera_macos::extract_plugin_artifacts()"_s;
+    plugin_static_function::app_debug(u"[extract_plugin_artifacts] starts"_s, signature);
+    const bool completed =
+        run_selected_tables<opera_macos>(*this, state_, steps, [this](int tables) {
+            Q_EMIT signal_total_tabs_processed_macos(tables);
+        });
+    if (completed)
+        plugin_static_function::app_debug(u"[extract_plugin_artifacts] ends"_s, signature);
+}

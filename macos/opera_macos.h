@@ -1,0 +1,196 @@
+#pragma once
+
+#include "common/extraction/extractor_state.h"
+#include "common/host_records.h"
+
+#include <QList>
+#include <QString>
+#include <QStringList>
+#include <QWidget>
+
+#include <functional>
+
+class QJsonObject;
+class QJsonValue;
+class QSqlDatabase;
+class QSqlQuery;
+class plugin_helper_functions;
+class record_sink;
+class row_insertion;
+struct record_reader;
+
+/// The parts of a name that an address profile holds.
+struct struct_autofill_names {
+    QString first_name = QStringLiteral("");
+    QString middle_name = QStringLiteral("");
+    QString last_name = QStringLiteral("");
+    QString full_name = QStringLiteral("");
+};
+
+/// One URL found in a session file.
+struct struct_session_data {
+    QString session_name; ///< name of the session file
+    QString url;
+    QString source_path;
+};
+
+/// The extractor for macOS sources: finds the profile files of every account and reads each
+/// artefact kind into its result table. The controller calls the members prefixed macos_ in its own
+/// calling order; see opera.h. Every extractor logs its start, its failures and its end, counts
+/// each row it writes and stops at the next row when cancelled; rows written so far stay.
+///
+/// The extractors ending in _11 read current schemas. Where one returns -1, some file has an older
+/// schema, and the driver runs the older extractor of the same table over all files again, those
+/// that were read included.
+class opera_macos : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit opera_macos(QWidget *parent = nullptr);
+
+    void macos_set_plugin_helper_obj(plugin_helper_functions *helper);
+    void macos_set_record_count(qint64 records);
+    void macos_set_tab_processed_count(int tables);
+    void macos_set_desktop_info(const struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_desktop_info &info);
+    void macos_set_general_info(const struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_general_info &info);
+    /// Keeps root, type and display text; account names are added to those of earlier calls.
+    void macos_set_source_info(const struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_source_info &info);
+    /// Clears the cancel flag.
+    void macos_set_essentials();
+    void macos_set_plugin_name(const QString &name);
+    void macos_set_destination_location(const QString &result_directory,
+                                        const QString &temporary_directory,
+                                        const QString &destination_db_path);
+    void macos_set_essential_for_mirva_bench_extraction(const QList<QString> &tables);
+    void macos_set_engine_type(int engine_type);
+    /// May be called from any thread.
+    void macos_cancel_extraction();
+    void macos_set_source_count(int source_count);
+    void macos_set_extended_attributes_list(const QList<QString> &names);
+    void macos_find_artifacts_source();
+    /// Runs the driver and signals the final record count.
+    void macos_extract_artifacts();
+
+    /// Fills the lists of found files anew from the profile and cache folders of every account.
+    void find_source_file();
+    /// Runs the extractors of the selected tables in their fixed order.
+    void extract_plugin_artifacts();
+
+    /// Table history, with the text of each URL's visits: 0, or -1 on an older schema.
+    int extract_history_11();
+    /// Table history from the columns that older schemas have, without visits.
+    void extract_history_url();
+    /// Table search_items: 0, or -1 on an older schema.
+    int extract_search_items_11();
+    void extract_search_items();
+
+    /// Table cookies: 0, or -1 on an older schema.
+    int extract_cookies_11();
+    void extract_cookies();
+    /// Table logins, with or without the column ssl_valid.
+    void extract_logins_11();
+    /// An older reader of the same files; no driver calls it.
+    void extract_login_data();
+
+    /// Table autofill: 0, or -1 on an older schema.
+    int extract_webdata_autofill_11();
+    void extract_webdata_autofill();
+    /// Table autofill_profiles: 0, or -1 on an older schema.
+    int extract_webdata_autofill_profiles_11();
+    void extract_webdata_autofill_profiles();
+    /// Table credits_cards, with or without use counts and dates.
+    void extract_webdata_credit_cards_11();
+
+    /// Look-ups of the current profiles reader, on a query of the source: the first row of the
+    /// profile, empty texts without one. A failure is logged. The query is prepared when it is not.
+    static struct_autofill_names get_name_for_autofill_profiles(const QString &guid,
+                                                                QSqlQuery &query);
+    static QString get_email_for_autofill_profiles(const QString &guid, QSqlQuery &query);
+    static QString get_phone_for_autofill_profiles(const QString &guid, QSqlQuery &query);
+    /// Look-ups of the older profiles reader: all rows of the profile, joined. A failure is logged
+    /// under the caller's signature.
+    static QString get_name_for_autofill_profiles(const QSqlDatabase &source, const QString &guid,
+                                                  const QString &caller);
+    static QString get_email_for_autofill_profiles(const QSqlDatabase &source, const QString &guid,
+                                                   const QString &caller);
+    static QString get_phone_for_autofill_profiles(const QSqlDatabase &source, const QString &guid,
+                                                   const QString &caller);
+
+    /// Table bookmarks, from the JSON of one "Bookmarks" file.
+    void extract_11_bookmarks(const QString &source_path);
+    /// Table speeddials, from the Speed Dial root of the same file.
+    void extract_11_speeddials(const QString &source_path);
+    /// Write the entries of one "children" array, and of the folders in it, below the current
+    /// folder path. The query belongs to the result database; `parent` owns the array.
+    void extract_bookmarks_items(const QJsonValue &children, const QJsonObject &parent,
+                                 const QString &source_path, QSqlQuery &query,
+                                 const QString &account, bool cancelled);
+    void extract_speeddials_items(const QJsonValue &children, const QJsonObject &parent,
+                                  const QString &source_path, QSqlQuery &query,
+                                  const QString &account, bool cancelled);
+    /// Table bookmarks, line by line from every "Bookmarks" file; no driver calls it.
+    void extract_bookmark();
+    /// Table topsites. Rows without URL and title are skipped.
+    void extract_topsites();
+
+    /// Table sessions: the URLs behind the URL marker in every session file.
+    void extract_sessions_11();
+
+Q_SIGNALS:
+    void signal_extracted_records_of_plugin_macos(qint64 records);
+    void signal_total_tabs_processed_macos(int tables);
+
+private:
+    /// Absolute paths of found files, one list per consumer. That several lists hold the same paths
+    /// is the agreement: each extractor reads its own list.
+    struct found_files {
+        QStringList cached_files;
+        QStringList preferences;
+        QStringList local_state;
+        QStringList history;
+        QStringList downloads;
+        QStringList search_items_11;
+        QStringList search_items;
+        QStringList favicons;
+        QStringList cookies;
+        QStringList bookmarks;
+        QStringList sync_data;
+        QStringList sessions;
+        QStringList topsites;
+        QStringList logins;
+        QStringList web_data_11;
+        QStringList web_data;
+        QStringList web_data_spare_1; ///< filled, read by nothing
+        QStringList web_data_spare_2; ///< filled, read by nothing
+        QStringList thumbnails;
+        QStringList never_filled;
+    };
+
+    // What a step of the driver does; see table_step.
+    bool run_current_then_older(int (opera_macos::*current)(), void (opera_macos::*older)());
+    bool run_once(void (opera_macos::*extractor)());
+    bool run_per_file(const QStringList &files, void (opera_macos::*extractor)(const QString &));
+
+    /// Where the entries of a walk go.
+    struct bookmark_walk {
+        row_insertion &rows;
+        const source_file &file;
+        const QString &signature;
+    };
+    using bookmark_roots = std::function<void(const QJsonObject &roots, record_sink &sink)>;
+    void read_bookmark_roots(const record_reader &reader, const QString &source_path,
+                             const bookmark_roots &walk_roots);
+    void walk_items(const record_reader &reader, const QString &signature,
+                    const QJsonValue &children, const QJsonObject &parent,
+                    const QString &source_path, QSqlQuery &query, const QString &account,
+                    bool cancelled);
+    void walk_bookmarks(const bookmark_walk &walk, const QJsonValue &children,
+                        const QJsonObject &parent, bool cancelled);
+
+    extractor_state state_;
+    found_files found_;
+    QStringList extended_attributes_;
+    /// Folders that the bookmark walk is in, each followed by "/"; one text for all its levels.
+    QString current_folder_path_;
+};

@@ -1,0 +1,242 @@
+// The frame that every extractor runs in, with a descriptor of its own.
+
+#include "common/extraction/database_reader.h"
+#include "common/plugin_helper_functions.h"
+#include "common/plugin_static_function.h"
+#include "common/text_values.h"
+#include "tests/support/evidence_builder.h"
+#include "tests/support/recording_log.h"
+#include "tests/support/result_rows.h"
+
+#include <QTest>
+
+#include <sqlite3.h>
+
+using namespace Qt::StringLiterals;
+
+namespace
+{
+
+const database_reader reader = {
+    .signature = "int tests::extract()",
+    .starts = "starts",
+    .destination_failed = open_failure("destination failed"),
+    .source_failed = open_failure(with_path("source failed ")),
+    .insert_failed = query_failure("insert failed"),
+    .ends = "ends",
+    .readings = {{.select = "select a, missing from t",
+                  .select_failed = {"first failed"},
+                  .insert = {.sql = "insert into r(a) values(?)", .values = {as_stored(1)}}},
+                 {.select = "select a from t",
+                  .select_failed = {"second failed"},
+                  .insert = {.sql = "insert into r(a, f) values(?,?)",
+                             .values = {as_stored(0), source_file_path}}}},
+};
+
+const QByteArray numbers = "create table t(a); with recursive n(i) as (select 1 union all select "
+                           "i+1 from n where i<5) insert into t select i from n;";
+
+/// A result database, a source folder and a run on them, with a clock that a test moves.
+struct frame_case {
+    evidence_builder evidence;
+    QTemporaryDir results;
+    plugin_helper_functions helper;
+    qint64 now = 0;
+    QList<qint64> signalled;
+    extraction_run run{[this](qint64 records) { signalled.append(records); },
+                       [this] { return now; }};
+    recording_log log;
+
+    frame_case()
+    {
+        helper.set_adhoc_parent_path(results.path() + u"/tmp/"_s);
+        run.helper = &helper;
+        run.source_root = evidence.root();
+        run.destination_path = results.filePath(u"r.sqlite"_s);
+        plugin_static_function::bool_cancel_extraction = false;
+        execute(u"create table r(a, f)"_s);
+    }
+    void execute(const QString &sql) const
+    {
+        plugin_static_function::execute_db_command_by_dbpath(sql, run.destination_path, u"test"_s);
+    }
+    QString add(const QString &name, const QByteArray &sql)
+    {
+        evidence.sqlite(name, sql);
+        return evidence.path(name);
+    }
+    QString values() const
+    {
+        QStringList all;
+        for (const QStringList &row : result_rows(run.destination_path, u"select a from r"_s))
+            all.append(row.first());
+        return all.join(u',');
+    }
+};
+
+} // namespace
+
+class extraction_test : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void alternates_are_tried_in_order();
+    void progress_is_signalled_once_a_second();
+    void cancelling_keeps_the_rows_so_far();
+    void a_damaged_page_is_not_taken_for_the_end();
+    void a_failed_insert_loses_its_row_only();
+    void a_locked_result_database_is_waited_for_once();
+    void unreadable_files_are_skipped();
+    void percent_escapes_data();
+    void percent_escapes();
+};
+
+void extraction_test::alternates_are_tried_in_order()
+{
+    frame_case c;
+    const QStringList files = {c.add(u"two"_s, numbers),
+                               c.add(u"one"_s, "create table t(a, missing);"
+                                               "insert into t values(1,'chosen')"),
+                               c.add(u"none"_s, "create table other(a)")};
+    QCOMPARE(read_databases(reader, files, c.run), -1);
+    QCOMPARE(c.values(), u"1,2,3,4,5,chosen"_s);
+    QCOMPARE(c.log.messages(), QStringList({u"starts"_s, u"first failed"_s, u"first failed"_s,
+                                            u"second failed"_s, u"ends"_s}));
+    QVERIFY(QSqlDatabase::connectionNames().filter(u"tests::extract"_s).isEmpty());
+}
+
+void extraction_test::progress_is_signalled_once_a_second()
+{
+    frame_case c;
+    const QStringList files = {c.add(u"f"_s, numbers)};
+    c.run.set_records(10);
+    read_databases(reader, files, c.run);
+    QCOMPARE(c.signalled, QList<qint64>());
+    c.now = 1000; // not yet more than a second
+    read_databases(reader, files, c.run);
+    QCOMPARE(c.signalled, QList<qint64>());
+    c.now = 1001;
+    read_databases(reader, files, c.run);
+    QCOMPARE(c.signalled, QList<qint64>({21}));
+    QCOMPARE(c.run.records(), 25);
+}
+
+void extraction_test::cancelling_keeps_the_rows_so_far()
+{
+    frame_case c;
+    // The clock is read once a written row: it stops the run after the second.
+    int rows = 0;
+    extraction_run cancelling([](qint64) {},
+                              [&] {
+                                  if (++rows == 3) // the first reading is the start
+                                      cancelling.set_cancelled(true);
+                                  return 0;
+                              });
+    cancelling.helper = &c.helper;
+    cancelling.source_root = c.run.source_root;
+    cancelling.destination_path = c.run.destination_path;
+    const QStringList files = {c.add(u"f"_s, numbers), c.add(u"g"_s, numbers)};
+    QCOMPARE(read_databases(reader, files, cancelling), 0);
+    QCOMPARE(c.values(), u"1,2"_s);
+    QVERIFY(!c.log.has(u"ends"_s));
+
+    // Idle: macOS extractors end after their start line, Windows extractors run through.
+    c.log.clear();
+    QCOMPARE(read_databases(reader, files, cancelling), 0);
+    cancelling.idle_extractors_end_early = false;
+    QCOMPARE(read_databases(reader, {}, cancelling), 0);
+    QCOMPARE(c.log.messages(), QStringList({u"starts"_s, u"starts"_s, u"ends"_s}));
+}
+
+void extraction_test::a_damaged_page_is_not_taken_for_the_end()
+{
+    frame_case c;
+    const QString path =
+        c.add(u"f"_s, "pragma page_size=512; create table t(a);"
+                      "with recursive n(i) as (select 1 union all select i+1 from n where i<200) "
+                      "insert into t select printf('%0100d', i) from n;");
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::ReadWrite));
+    file.seek(file.size() - 30 * 512);
+    file.write(QByteArray(512, '\xff'));
+    file.close();
+    QCOMPARE(read_databases(reader, {path}, c.run), 0);
+    QVERIFY(c.run.records() > 0);
+    QVERIFY(c.run.records() < 200);
+    QVERIFY(
+        c.log.has(u"[extract] rows of the source end early ---------FAILED----------"_s + path));
+}
+
+void extraction_test::a_failed_insert_loses_its_row_only()
+{
+    frame_case c;
+    c.execute(u"create trigger no before insert on r when new.a = '3' begin select raise(abort, "
+              "'not three'); end"_s);
+    read_databases(reader, {c.add(u"f"_s, numbers)}, c.run);
+    QCOMPARE(c.values(), u"1,2,4,5"_s);
+    QCOMPARE(c.run.records(), 4);
+    QCOMPARE(c.log.messages(), QStringList({u"starts"_s, u"first failed"_s, u"insert failed"_s,
+                                            u"not three Unable to fetch row"_s,
+                                            u"insert into r(a, f) values(?,?)"_s, u"ends"_s}));
+
+    c.log.clear();
+    c.execute(u"drop table r"_s);
+    read_databases(reader, {c.evidence.path(u"f"_s)}, c.run);
+    QCOMPARE(c.log.messages().count(u"insert failed"_s), 5);
+    QVERIFY(c.log.messages().at(3).contains(u"no such table: r"_s));
+}
+
+void extraction_test::a_locked_result_database_is_waited_for_once()
+{
+    frame_case c;
+    sqlite3 *other = nullptr;
+    sqlite3_open(c.run.destination_path.toUtf8().constData(), &other);
+    sqlite3_exec(other, "begin immediate", nullptr, nullptr, nullptr);
+    QElapsedTimer timer;
+    timer.start();
+    read_databases(reader, {c.add(u"f"_s, numbers)}, c.run);
+    QVERIFY(timer.elapsed() < 15'000); // five rows, a wait of five seconds
+    QCOMPARE(c.log.messages().count(u"insert failed"_s), 5);
+    sqlite3_close(other);
+    QCOMPARE(c.values(), u""_s);
+}
+
+void extraction_test::unreadable_files_are_skipped()
+{
+    frame_case c;
+    QVERIFY(QDir().mkpath(c.evidence.path(u"folder"_s)));
+    const QStringList files = {c.evidence.path(u"folder"_s), c.evidence.path(u"gone"_s),
+                               c.add(u"f"_s, numbers)};
+    QCOMPARE(read_databases(reader, files, c.run), 0);
+    QCOMPARE(c.values(), u"1,2,3,4,5"_s);
+    QVERIFY(c.log.has(u"source failed "_s + files.first()));
+
+    c.run.destination_path = c.evidence.path(u"folder"_s);
+    c.log.clear();
+    QCOMPARE(read_databases(reader, files, c.run), 0);
+    QCOMPARE(c.log.messages().size(), 3);
+    QCOMPARE(c.log.messages().at(1), u"destination failed"_s);
+}
+
+void extraction_test::percent_escapes_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("decoded");
+    QTest::newRow("none") << u"a b"_s << u"a b"_s;
+    QTest::newRow("both cases") << u"%7e%7E"_s << u"~~"_s;
+    QTest::newRow("utf-8") << u"%C3%BC ü"_s << u"ü ü"_s;
+    QTest::newRow("no hexadecimal digits") << u"100%zz%4g"_s << u"100%zz%4g"_s;
+    QTest::newRow("cut off") << u"a%4"_s << u"a%4"_s;
+    QTest::newRow("last") << u"a%41"_s << u"aA"_s;
+}
+
+void extraction_test::percent_escapes()
+{
+    QFETCH(QString, text);
+    QFETCH(QString, decoded);
+    QCOMPARE(decode_percent(text), decoded);
+}
+
+QTEST_MAIN(extraction_test)
+#include "extraction_test.moc"

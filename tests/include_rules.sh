@@ -1,0 +1,30 @@
+#!/usr/bin/env bash
+# include_rules.sh PROJECT: which folder may include which. A folder always includes itself.
+set -euo pipefail
+cd "$1"
+
+# folder: the project folders it may include besides itself
+rules='common:
+macos: common
+winos: common
+plugin: common macos winos
+host: plugin/opera.h common/host_records.h
+sample:'
+
+status=0
+while IFS=: read -r folder allowed; do
+    [ -d "$folder" ] || continue
+    while IFS= read -r line; do
+        included=${line##*#include \"}
+        included=${included%%\"*}
+        case "$included" in
+        "$folder"/* | ui_*.h | *.moc) continue ;;
+        esac
+        for one in $allowed; do
+            [[ $included == "$one" || $included == "$one"/* ]] && continue 2
+        done
+        echo "$line: $folder must not include this" >&2
+        status=1
+    done < <(grep -rn --include='*.cpp' --include='*.h' --include='*.mm' '^#include "' "$folder" || true)
+done <<<"$rules"
+exit $status
