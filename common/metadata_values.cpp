@@ -10,6 +10,7 @@
 // An item of a list stands in quotes unless it is a plain word; inside the quotes a backslash
 // escapes quotes and backslashes, and "\U2019" is the character of that code.
 
+#include "common/metadata/printed_items.h"
 #include "common/plugin_static_function.h"
 #include "common/text_values.h"
 
@@ -66,9 +67,10 @@ bool is_list(QStringView description)
     return description.startsWith(u'(') && description.endsWith(u')');
 }
 
-/// The items of a printed list, those of nested lists among them. Brackets and commas are marks of
-/// the list outside of quotes only; inside they belong to the item, as in an address that ends in
-/// "Mercury_(planet)". A text that is no list is its own only item.
+} // namespace
+
+// Brackets and commas are marks of the list outside of quotes only; inside they belong to the item,
+// as in an address that ends in "Mercury_(planet)".
 QStringList printed_items(QStringView description)
 {
     if (!is_list(description))
@@ -101,7 +103,16 @@ QStringList printed_items(QStringView description)
     return items;
 }
 
-} // namespace
+QStringList printed_addresses(QStringView description)
+{
+    QStringList addresses = printed_items(description.trimmed());
+    for (QString &address : addresses) {
+        // Angle brackets come from mail senders, "Jane <jane@a.example>"; no address holds them.
+        address.remove(u'<').remove(u'>');
+        address.replace(u"\u2019s"_s, u"'s"_s);
+    }
+    return addresses;
+}
 
 QString plugin_static_function::get_filtered_number_value(const QString &description)
 {
@@ -128,11 +139,7 @@ QString plugin_static_function::get_filtered_cfstring_value(const QString &descr
 
 QString plugin_static_function::get_filtered_wherefrom_value(const QString &description)
 {
-    // Angle brackets come from mail senders, "Jane <jane@a.example>"; no address holds them.
-    QString addresses = printed_items(QStringView(description).trimmed()).join(u';');
-    addresses.remove(u'<').remove(u'>');
-    addresses.replace(u"\u2019s"_s, u"'s"_s);
-    return empty_text() + addresses;
+    return not_null(printed_addresses(description).join(u';'));
 }
 
 QString plugin_static_function::get_filtered_string_value(const QString &description)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "common/host_records.h"
+#include "common/metadata/metadata_records.h"
 
 #include <QDateTime>
 #include <QFile>
@@ -13,6 +14,16 @@
 #include <atomic>
 #include <utility>
 
+// Types of the system whose metadata is read; opaque everywhere else.
+struct __CFString; // NOLINT(bugprone-reserved-identifier): the system's own name
+#ifdef __OBJC__
+@class NSDate;
+@class NSObject;
+#else
+class NSDate;
+class NSObject;
+#endif
+
 /// Process-wide state and the static services that every extractor shares. The state is fed by the
 /// controller from the host's records; apart from the cancel flag it is used on one thread only.
 ///
@@ -21,7 +32,7 @@
 /// signature of one function differently and the texts also name database connections.
 ///
 /// The members are defined by concern: debug_log.cpp, database_commands.cpp, time_conversions.cpp,
-/// metadata_values.cpp, file_paths.cpp.
+/// metadata_values.cpp, file_paths.cpp, file_properties.cpp, metadata/metadata_services.cpp.
 class plugin_static_function : public QObject
 {
     Q_OBJECT
@@ -171,6 +182,27 @@ public:
     /// result is in UTC without fractions of a second, invalid for any other text. Logs its start
     /// and end.
     static QDateTime get_datetime_from_string_with_iso_date(const QString &text);
+
+    // ---- File metadata through the platform operations (metadata/metadata_services.cpp) --------
+
+    /// When a file was last and ever used; empty texts for a file without metadata.
+    static struct_GLOBAL_ARTIFACT_used_dates extract_used_date(const QString &file_path);
+    /// The text of a system string; empty for null.
+    static QString convert_cfstring_to_qstring(const __CFString *string);
+    /// A system date to Unix seconds; empty for null. The formatter may be null.
+    static QString convert_nsdate_to_epoch(NSDate *date, NSObject *formatter);
+    // Readers of system dictionaries. A missing value is logged and gives an empty text.
+    static QString get_nsstring_values(void *dictionary, void *key);
+    static QString get_nsnumber_values(void *dictionary, void *key);
+    /// YES or NO of a boolean, the number of a number.
+    static QString get_nsnumber_values_yes_no(void *dictionary, void *key);
+    // The same, as LABEL + ":+:" + value.
+    static QString get_nsnumber_key_and_value_yes_no(void *dictionary, void *key,
+                                                     const QString &label);
+    static QString get_nsstring_key_and_values(void *dictionary, void *key, const QString &label);
+    static QString get_nsnumber_key_and_values(void *dictionary, void *key, const QString &label);
+    /// The elements joined with ";".
+    static QString get_nsarray_key_and_values(void *dictionary, void *key, const QString &label);
 
     // ---- Files and paths (file_paths.cpp) -----------------------------------------------------
 

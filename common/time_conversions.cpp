@@ -3,10 +3,12 @@
 
 #include <QLocale>
 
-#include <array>
+#include <algorithm>
 #include <chrono>
+#include <iterator>
 #include <optional>
 #include <span>
+#include <string_view>
 
 using namespace Qt::StringLiterals;
 
@@ -41,10 +43,6 @@ QString two_digits(int number)
 
 std::optional<qint64> unix_seconds(const QString &text, const QString &format)
 {
-    // Parsing goes over the text several times; no date is this long.
-    constexpr qsizetype longest_date = 100;
-    if (text.size() > longest_date)
-        return std::nullopt;
     const QDateTime instant = QLocale::c().toDateTime(text, format);
     if (!instant.isValid())
         return std::nullopt;
@@ -100,7 +98,7 @@ QString plugin_static_function::convert_timestamp_to_human_readable_in_UTC(const
     char16_t text[] = u"dd-MMM-yyyy hh:mm:ss";
     const std::span field(text);
     put_digits(field.subspan(0, 2), static_cast<unsigned>(date.day()));
-    months.copy(&text[3], 3, 3 * (static_cast<unsigned>(date.month()) - 1));
+    months.copy(&text[3], 3, std::size_t{3} * (static_cast<unsigned>(date.month()) - 1));
     put_digits(field.subspan(7, 4), static_cast<int>(date.year()));
     put_digits(field.subspan(12, 2), time.hours().count());
     put_digits(field.subspan(15, 2), time.minutes().count());

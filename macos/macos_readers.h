@@ -11,6 +11,8 @@ extern const database_reader history_11;
 extern const database_reader history_url;
 extern const database_reader search_items_11;
 extern const database_reader search_items;
+extern const database_reader download_11;
+extern const database_reader download;
 extern const database_reader cookies_11;
 extern const database_reader cookies;
 extern const database_reader logins_11;

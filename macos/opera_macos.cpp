@@ -62,10 +62,11 @@ void opera_macos::macos_set_plugin_name(const QString &name)
 }
 
 void opera_macos::macos_set_destination_location(const QString &result_directory,
-                                                 const QString & /*temporary_directory*/,
+                                                 const QString &temporary_directory,
                                                  const QString &destination_db_path)
 {
     state_.run.result_directory = result_directory;
+    state_.run.temporary_directory = temporary_directory;
     state_.run.destination_path = destination_db_path;
 }
 
@@ -91,7 +92,8 @@ void opera_macos::macos_set_source_count(int source_count)
 
 void opera_macos::macos_set_extended_attributes_list(const QList<QString> &names)
 {
-    extended_attributes_ = names;
+    selected_attributes_ = names;
+    extended_attributes_ = filter_extended_attribute_list();
 }
 
 void opera_macos::macos_find_artifacts_source()
@@ -196,13 +198,16 @@ void opera_macos::extract_plugin_artifacts()
         {"history",           [](m &o) { return o.run_current_then_older(&m::extract_history_11, &m::extract_history_url); }},
         {"bookmarks",         [](m &o) { return o.run_per_file(o.found_.bookmarks, &m::extract_11_bookmarks); }},
         {"speeddials",        [](m &o) { return o.run_per_file(o.found_.bookmarks, &m::extract_11_speeddials); }},
+        {"downloads",         [](m &o) { return o.run_current_then_older(&m::extract_download_11, &m::extract_download); }},
         {"search_items",      [](m &o) { return o.run_current_then_older(&m::extract_search_items_11, &m::extract_search_items); }},
         {"cookies",           [](m &o) { return o.run_current_then_older(&m::extract_cookies_11, &m::extract_cookies); }},
         {"logins",            [](m &o) { return o.run_once(&m::extract_logins_11); }},
         {"autofill",          [](m &o) { return o.run_current_then_older(&m::extract_webdata_autofill_11, &m::extract_webdata_autofill); }},
         {"autofill_profiles", [](m &o) { return o.run_current_then_older(&m::extract_webdata_autofill_profiles_11, &m::extract_webdata_autofill_profiles); }},
         {"credits_cards",     [](m &o) { return o.run_once(&m::extract_webdata_credit_cards_11); }},
+        {"extensions",        [](m &o) { return o.run_per_file(o.found_.preferences, &m::extract_extensions); }},
         {"sessions",          [](m &o) { return o.run_once(&m::extract_sessions_11); }},
+        {"cached_files",      [](m &o) { return o.run_once(&m::extract_cached_files_11); }},
         {"topsites",          [](m &o) { return o.run_once(&m::extract_topsites); }},
     };
     // clang-format on

@@ -2,6 +2,7 @@
 
 #include "common/extraction/extractor_state.h"
 #include "common/host_records.h"
+#include "common/metadata/metadata_records.h"
 
 #include <QList>
 #include <QString>
@@ -17,6 +18,7 @@ class QSqlQuery;
 class plugin_helper_functions;
 class record_sink;
 class row_insertion;
+class source_row;
 struct record_reader;
 
 /// The parts of a name that an address profile holds.
@@ -25,6 +27,12 @@ struct struct_autofill_names {
     QString middle_name = QStringLiteral("");
     QString last_name = QStringLiteral("");
     QString full_name = QStringLiteral("");
+};
+
+/// A picture of the evidence that was copied to "Images/".
+struct exported_picture {
+    QString source_path = QStringLiteral(""); ///< inside the source, begins with "/"
+    QString copy_path = QStringLiteral("");   ///< "./Images/NAME"; empty when nothing was copied
 };
 
 /// One URL found in a session file.
@@ -85,6 +93,13 @@ public:
     int extract_search_items_11();
     void extract_search_items();
 
+    /// Table downloads, with what the source still holds of each downloaded file: 0, or -1 on an
+    /// older schema.
+    int extract_download_11();
+    void extract_download();
+    /// The file name that ends a path; empty when the path ends in "/".
+    static QString get_name_for_downloads(const QString &path);
+
     /// Table cookies: 0, or -1 on an older schema.
     int extract_cookies_11();
     void extract_cookies();
@@ -134,6 +149,24 @@ public:
     /// Table topsites. Rows without URL and title are skipped.
     void extract_topsites();
 
+    /// The metadata attributes to read: the fixed list, in its order, narrowed to those that the
+    /// host selected when it selected any.
+    QStringList filter_extended_attribute_list() const;
+    /// The attributes of each file (attributes[i] for the i-th; the last list serves the rest) as
+    /// search text and XML document. Files without metadata contribute nothing.
+    struct_extended_attributes
+    get_extended_attributes(const QList<QString> &file_paths,
+                            const QList<QList<QString>> &attributes) const;
+    struct_GLOBAL_ARTIFACT_cfstring_attributes
+    extract_cfstring_attributes(const QString &file_path) const;
+    /// Latitude and longitude of a picture, negative in the south and west.
+    std::pair<QString, QString> extract_longi_lati_attributes(const QString &file_path) const;
+
+    /// Table cached_files: the files of every cache folder, by path.
+    void extract_cached_files_11();
+    /// Table extensions, from one "Preferences" file; icons are copied to "Images/".
+    void extract_extensions(const QString &source_path);
+
     /// Table sessions: the URLs behind the URL marker in every session file.
     void extract_sessions_11();
 
@@ -172,6 +205,16 @@ private:
     bool run_once(void (opera_macos::*extractor)());
     bool run_per_file(const QStringList &files, void (opera_macos::*extractor)(const QString &));
 
+    /// Everything that is known about an existing file of the source.
+    file_description describe_file(const QString &path) const;
+    QString torrent_names_of(const QString &path) const;
+    /// Puts the values of a download that depend on the downloaded file into the row.
+    void derive_download(source_row &row) const;
+    bool read_cache_folder(record_sink &sink);
+    /// Copies an extension's picture to "Images/" when it lies in the extension's own folder.
+    exported_picture export_extension_picture(const QString &id, const QJsonObject &extension,
+                                              const source_file &file) const;
+
     /// Where the entries of a walk go.
     struct bookmark_walk {
         row_insertion &rows;
@@ -190,7 +233,8 @@ private:
 
     extractor_state state_;
     found_files found_;
-    QStringList extended_attributes_;
+    QStringList selected_attributes_; ///< as the host gave them
+    QStringList extended_attributes_; ///< to be read
     /// Folders that the bookmark walk is in, each followed by "/"; one text for all its levels.
     QString current_folder_path_;
 };

@@ -1,5 +1,8 @@
 #include "sample/web_data_sample.h"
 
+#include <string>
+#include <vector>
+
 using namespace Qt::StringLiterals;
 
 namespace sample

@@ -1,8 +1,6 @@
 #include "sample/history_sample.h"
 
-#include "sample/profile.h"
-
-#include <optional>
+#include <string>
 
 using namespace Qt::StringLiterals;
 
@@ -198,9 +196,9 @@ void make_page_tables(database &history, const profile &account)
         "create table visit_source(id INTEGER PRIMARY KEY,source INTEGER NOT NULL)",
         search_terms_table(account.generation),
         "create table segments(id INTEGER PRIMARY KEY,name VARCHAR,url_id INTEGER NOT NULL)",
-        "create table segment_usage(id INTEGER PRIMARY KEY,segment_id INTEGER NOT NULL,"
-        "time_slot INTEGER NOT NULL,visit_count INTEGER DEFAULT 0 NOT NULL)",
     });
+    history.run("create table segment_usage(id INTEGER PRIMARY KEY,segment_id INTEGER NOT NULL,"
+                "time_slot INTEGER NOT NULL,visit_count INTEGER DEFAULT 0 NOT NULL)");
     insertion meta(history, "meta", "key,value");
     meta.add("version", account.generation == browser_generation::newest ? "67" : "32");
     meta.add("last_compatible_version", "16");

@@ -4,6 +4,7 @@
 #include "sample/invented.h"
 #include "sample/sample_evidence.h"
 
+#include <string>
 #include <string_view>
 
 namespace sample

@@ -5,6 +5,7 @@
 #include "sample/profile.h"
 
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 
 #include <array>
@@ -20,8 +21,8 @@ namespace
 
 /// Lies in the root of an evidence source that was made here: it may be replaced.
 constexpr QLatin1StringView mark_name = "/.made_by_sample_evidence"_L1;
-constexpr QLatin1StringView mark_text =
-    "Invented evidence. A new run of sample_evidence may replace it.\n"_L1;
+constexpr const char *mark_text =
+    "Invented evidence. A new run of sample_evidence may replace it.\n";
 
 /// The folders that are made in the root.
 constexpr std::array root_folders = {"Users"_L1, "Applications"_L1, "Program Files"_L1};
@@ -85,7 +86,7 @@ bool is_marked(const QString &root)
 {
     QFile mark(root + mark_name);
     return !QFileInfo(mark).isSymLink() && mark.open(QIODevice::ReadOnly) &&
-           mark.read(mark_text.size() + 1) == mark_text;
+           mark.read(1000) == mark_text;
 }
 
 /// Makes the root folder, empties it of earlier evidence and marks it.
@@ -99,7 +100,7 @@ void prepare_root(const QString &root)
     if (!empty && !is_marked(root))
         throw evidence_error(root + u" is not empty and holds no earlier sample evidence; give a "
                                     u"new or an empty folder");
-    write_file(root + mark_name, QByteArray(mark_text.data(), mark_text.size()), latest_instant);
+    write_file(root + mark_name, mark_text, latest_instant);
     for (const QLatin1StringView name : root_folders)
         remove_folder(root + u'/' + name);
 }
@@ -199,6 +200,9 @@ browser_generation generation_of(const evidence_request &request, int account)
 QString write_evidence(const evidence_request &request)
 {
     try {
+        // An empty path would quietly mean the current folder.
+        if (request.folder.isEmpty())
+            throw evidence_error(u"no folder is given"_s);
         const QString folder = QDir::cleanPath(QDir::current().absoluteFilePath(request.folder));
         prepare_root(folder);
         const QString root = folder + u'/';

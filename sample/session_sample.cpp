@@ -2,6 +2,9 @@
 #include "sample/evidence_files.h"
 #include "sample/profile.h"
 
+#include <string>
+#include <vector>
+
 using namespace Qt::StringLiterals;
 
 namespace sample

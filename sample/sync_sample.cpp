@@ -30,7 +30,7 @@ constexpr qint64 milliseconds(qint64 unix_seconds)
 const synced_item special_items[] = {
     {1, 0, 0, 0, 0, 0, 1, "root", nullptr},
     {2, 1645000000000, milliseconds(days_ago(400)), milliseconds(days_ago(400)), 0, 0, 1,
-     "Bookmarks", "google_chrome_bookmarks"},
+     "Bookmarks", "bookmarks_root"},
     {3, 1645000000123, milliseconds(days_ago(100)), milliseconds(days_ago(101)), 0, 0, 0,
      "Nordfähre; 100 %", nullptr},
     {4, -1, milliseconds(days_ago(1)), milliseconds(days_ago(1)), 1, 0, 0, "Not yet sent", nullptr},

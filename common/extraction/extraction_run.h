@@ -20,11 +20,12 @@ public:
     /// Tests pass a clock of their own; without one the system's steady clock is used.
     explicit extraction_run(record_signal signal, clock now = {});
 
-    QString source_root;       ///< path of the mounted source, ends in "/"
-    QString source_type;       ///< for example macOS_Home_Directory
-    QString os_scheme_display; ///< value of every os_scheme_display column
-    QString result_directory;  ///< ends in "/"; exported pictures go into its "Images/"
-    QString destination_path;  ///< the result database
+    QString source_root;         ///< path of the mounted source, ends in "/"
+    QString source_type;         ///< for example macOS_Home_Directory
+    QString os_scheme_display;   ///< value of every os_scheme_display column
+    QString result_directory;    ///< ends in "/"; exported pictures go into its "Images/"
+    QString temporary_directory; ///< ends in "/"; removed after the run
+    QString destination_path;    ///< the result database
     plugin_helper_functions *helper = nullptr; ///< makes private copies; not owned
     /// An extractor with nothing to do (cancelled, or no files) ends after its start line, without
     /// opening the result database.

@@ -56,7 +56,7 @@ void time_conversions_test::converts_data()
     const conversion message_form = times::convert_human_readable_to_epoch_3;
     rows(message_form, u"784887151"_s, {u"Tue, 15 Nov 1994 08:12:31 GMT"_s});
     rows(message_form, u"1615689000"_s, {u"Sun, 14 Mar 2021 02:30:00 GMT"_s});
-    rows(message_form, u"0"_s, {u"yesterday"_s, QString(200, u'1')});
+    rows(message_form, u"0"_s, {u"yesterday"_s});
     const conversion duration = times::get_human_readable_time;
     rows(duration, u"01:02:05 Hrs"_s, {u"3725.9"_s});
     rows(duration, u"02:05 Min"_s, {u"125"_s});

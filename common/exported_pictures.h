@@ -1,0 +1,20 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <QStringList>
+
+// Pictures that extractors put into "Images/" beside the result database.
+
+/// A file name of the parts, joined by "_", and the suffix. The parts may come from the evidence:
+/// the name is empty when it could lead out of its folder or does not suit a file system
+/// (separators,
+/// "..", control characters, over 200 bytes).
+QString safe_picture_name(const QStringList &parts, const QString &suffix);
+
+/// Writes the bytes to the path, in place of a file that is there; its folder is created when
+/// missing. A symbolic link at the path is not followed. False, with the reason, when that fails.
+bool write_picture(const QString &path, const QByteArray &bytes, QString *error);
+
+/// Copies a file of the evidence, in the same way.
+bool copy_picture(const QString &source, const QString &target);
