@@ -166,7 +166,7 @@ QStringList list_from_reference(const call &by, const QString &command,
                                 const QStringList &bind_values, int column, QSqlDatabase &database)
 {
     plugin_static_function::app_debug(u" Start "_s, by.signature);
-    const QStringList texts = read_column(by, command, bind_values, column, database);
+    QStringList texts = read_column(by, command, bind_values, column, database);
     plugin_static_function::app_debug(u" end "_s, by.signature);
     return texts;
 }
@@ -266,7 +266,7 @@ QStringList plugin_static_function::get_stringlist_from_db_with_addbindvalues_by
 bool plugin_static_function::check_value_existence_in_db_by_dbreference(const QString &command,
                                                                         int column,
                                                                         const QString &value,
-                                                                        QSqlDatabase database)
+                                                                        const QSqlDatabase &database)
 {
     const QString signature =
         u"static bool plugin_static_function::check_value_existence_in_db_by_dbreference(QString, int, QString, QSqlDatabase)"_s;

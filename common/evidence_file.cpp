@@ -69,7 +69,7 @@ bool copy_by_reading(QFile &source, QFile &copy)
 {
     if (!source.seek(0) || !copy.resize(0) || !copy.seek(0))
         return false;
-    std::array<char, 256 * 1024> buffer;
+    std::array<char, 262'144> buffer;
     for (;;) {
         const qint64 got = source.read(buffer.data(), buffer.size());
         if (got <= 0)

@@ -26,7 +26,7 @@ void clear_the_way(const QString &path)
 
 QString safe_picture_name(const QStringList &parts, const QString &suffix)
 {
-    const QString name = parts.join(u'_') + suffix;
+    QString name = parts.join(u'_') + suffix;
     const bool suits = std::ranges::none_of(name, [](QChar c) {
         return c == u'/' || c == u'\\' || c == u':' || c.unicode() < u' ' || c.unicode() == 0x7f;
     });

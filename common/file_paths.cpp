@@ -37,7 +37,7 @@ void copy_file(const QString &source, const QString &destination, const QString 
         return;
     }
     while (!from.atEnd()) {
-        const QByteArray block = from.read(256 * 1024);
+        const QByteArray block = from.read(262'144);
         if (block.isEmpty() || to.write(block) != block.size()) {
             log::app_debug(u"[copy_directory] Error:"_s + from.errorString() + u' ' +
                                to.errorString(),

@@ -123,7 +123,7 @@ public:
     /// True when the value equals (case-sensitively) the column of some result row.
     static bool check_value_existence_in_db_by_dbreference(const QString &command, int column,
                                                            const QString &value,
-                                                           QSqlDatabase database);
+                                                           const QSqlDatabase &database);
     static QStringList get_total_tables_list_by_dbpath(const QString &db_path,
                                                        const QString &caller);
 

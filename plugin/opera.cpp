@@ -84,6 +84,8 @@ void opera::pub_set_ios_uid_backup_pointer(ios_uid_backup_parser *parser)
     ios_uid_extractor_->ios_uid_set_ios_backup_pointer(parser);
 }
 
+// Records, lists and texts come by value: that is the binary interface with the host.
+// NOLINTBEGIN(performance-unnecessary-value-param)
 void opera::pub_set_desktop_info(struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_desktop_info info)
 {
     plugin_static_function::set_desktop_info(info);
@@ -122,6 +124,8 @@ void opera::pub_set_result_directory(QString result_directory)
 {
     set_destination_location(result_directory);
 }
+
+// NOLINTEND(performance-unnecessary-value-param)
 
 void opera::pub_create_db_tables()
 {
@@ -176,6 +180,7 @@ void opera::pub_find_source_file()
     }
 }
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param)
 void opera::pub_set_extended_attributes_list(QList<QString> names)
 {
     macos_extractor_->macos_set_extended_attributes_list(names);

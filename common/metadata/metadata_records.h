@@ -17,9 +17,9 @@ struct struct_GLOBAL_ARTIFACT_cfstring_attributes {
     QString node_count = QStringLiteral("");
     QString where_froms = QStringLiteral(""); ///< addresses joined by ";"
     QString altitude = QStringLiteral("");
-    QString latitude = QStringLiteral("");             ///< negative in the south
-    QString longitude = QStringLiteral("");            ///< negative in the west
-    QStringList where_from_items; ///< the same addresses, which may hold ";" themselves
+    QString latitude = QStringLiteral("");  ///< negative in the south
+    QString longitude = QStringLiteral(""); ///< negative in the west
+    QStringList where_from_items;           ///< the same addresses, which may hold ";" themselves
 };
 
 /// When a file was used, in the printed form of dates.
