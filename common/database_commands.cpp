@@ -263,10 +263,8 @@ QStringList plugin_static_function::get_stringlist_from_db_with_addbindvalues_by
         command, bind_values, column, db_path, u" End "_s);
 }
 
-bool plugin_static_function::check_value_existence_in_db_by_dbreference(const QString &command,
-                                                                        int column,
-                                                                        const QString &value,
-                                                                        const QSqlDatabase &database)
+bool plugin_static_function::check_value_existence_in_db_by_dbreference(
+    const QString &command, int column, const QString &value, const QSqlDatabase &database)
 {
     const QString signature =
         u"static bool plugin_static_function::check_value_existence_in_db_by_dbreference(QString, int, QString, QSqlDatabase)"_s;
