@@ -125,6 +125,9 @@ bool copy_evidence_file(const QString &source, const QString &copy,
 
 bool is_inside_folder(const QString &path, const QString &folder)
 {
+    // The canonical path of links that form a circle is the path itself, unresolved.
+    if (!QFileInfo::exists(path))
+        return false;
     const QString resolved_path = QFileInfo(path).canonicalFilePath();
     const QString resolved_folder = QFileInfo(folder).canonicalFilePath();
     if (resolved_path.isEmpty() || resolved_folder.isEmpty())

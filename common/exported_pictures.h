@@ -6,10 +6,15 @@
 
 // Pictures that extractors put into "Images/" beside the result database.
 
+/// A picture of the evidence that was copied to "Images/".
+struct exported_picture {
+    QString source_path = QStringLiteral(""); ///< inside the source, begins with "/"
+    QString copy_path = QStringLiteral("");   ///< "./Images/NAME"; empty when nothing was copied
+};
+
 /// A file name of the parts, joined by "_", and the suffix. The parts may come from the evidence:
 /// the name is empty when it could lead out of its folder or does not suit a file system
-/// (separators,
-/// "..", control characters, over 200 bytes).
+/// (separators, "..", control characters, over 200 bytes).
 QString safe_picture_name(const QStringList &parts, const QString &suffix);
 
 /// Writes the bytes to the path, in place of a file that is there; its folder is created when

@@ -4,6 +4,8 @@
 #include <QDir>
 #include <QDirIterator>
 #include <QFileInfo>
+#include <QHash>
+#include <QSet>
 
 using namespace Qt::StringLiterals;
 
@@ -17,6 +19,18 @@ QString with_leading_slash(const QString &path)
     if (path.startsWith(u'/') || path.trimmed().isEmpty())
         return path;
     return u'/' + path;
+}
+
+QSet<QString> trimmed_entry_names(const QString &directory)
+{
+    QSet<QString> names;
+    QDirIterator entries(directory,
+                         QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
+    while (entries.hasNext()) {
+        entries.next();
+        names.insert(entries.fileName().trimmed());
+    }
+    return names;
 }
 
 /// Copies by reading and writing, so that each side's failure can be named.
@@ -53,33 +67,39 @@ QString plugin_static_function::get_available_file(const QString &directory,
                                                    const QString &file_path,
                                                    const QString & /*caller*/)
 {
-    const QString signature =
-        u"static QString plugin_static_function::get_available_file(QString, QString, QString)"_s;
     QDir().mkpath(directory);
     const QString file_name = QFileInfo(file_path).fileName();
-    QString name = file_name;
-    for (qint64 counter = 1;; ++counter) {
-        if (bool_cancel_extraction)
-            return {};
-        if (!is_file_exist_in_dir(directory, name, signature))
-            return name;
-        name = QString::number(counter) + u'_' + file_name;
+    const auto candidate = [&file_name](qint64 counter) {
+        return counter == 0 ? file_name : QString::number(counter) + u'_' + file_name;
+    };
+    const auto exists = [&](qint64 counter) {
+        const QFileInfo entry(directory + u'/' + candidate(counter));
+        return entry.exists() || entry.isSymbolicLink();
+    };
+
+    // Thousands of accounts have a file of this name: where the numbers that were given out are
+    // still taken, the search goes on behind them, without listing the directory each time.
+    static thread_local QHash<QString, qint64> next_counters;
+    qint64 &next = next_counters[directory + u'/' + file_name];
+    if (next > 0 && exists(0) && exists(next - 1)) {
+        while (exists(next)) {
+            if (bool_cancel_extraction)
+                return {};
+            ++next;
+        }
+    } else {
+        const QSet<QString> taken = trimmed_entry_names(directory);
+        for (next = 0; taken.contains(candidate(next).trimmed()); ++next) {
+        }
     }
+    return bool_cancel_extraction ? QString() : candidate(next++);
 }
 
 bool plugin_static_function::is_file_exist_in_dir(const QString &directory,
                                                   const QString &file_name,
                                                   const QString & /*caller*/)
 {
-    const QString wanted = file_name.trimmed();
-    QDirIterator entries(directory,
-                         QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
-    while (entries.hasNext()) {
-        entries.next();
-        if (entries.fileName().trimmed() == wanted)
-            return true;
-    }
-    return false;
+    return trimmed_entry_names(directory).contains(file_name.trimmed());
 }
 
 QString plugin_static_function::get_complete_file_path(const QString &path,

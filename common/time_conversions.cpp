@@ -1,5 +1,6 @@
 #include "common/plugin_static_function.h"
 #include "common/text_values.h"
+#include "common/time_values.h"
 
 #include <QLocale>
 
@@ -38,7 +39,8 @@ void put_digits(std::span<char16_t> field, qint64 number)
 
 QString two_digits(int number)
 {
-    return u"%1"_s.arg(number, 2, 10, QChar(u'0'));
+    const QString digits = QString::number(number);
+    return digits.size() < 2 ? u'0' + digits : digits;
 }
 
 std::optional<qint64> unix_seconds(const QString &text, const QString &format)
@@ -80,12 +82,25 @@ QString plugin_static_function::convert_google_time_to_epoch(const QString &goog
     return QString::number(microseconds / 1'000'000 - seconds_from_1601_to_1970);
 }
 
+QVariant unix_seconds_of(const QVariant &google_time)
+{
+    const std::optional<qint64> time = whole_number(google_time);
+    if (!time || *time <= 0) // the text of a negative number is read in a way of its own
+        return plugin_static_function::convert_google_time_to_epoch(google_time.toString());
+    const bool has_ten_digits = *time >= 1'000'000'000 && *time <= 9'999'999'999;
+    return has_ten_digits ? *time : *time / 1'000'000 - seconds_from_1601_to_1970;
+}
+
 QString plugin_static_function::convert_timestamp_to_human_readable_in_UTC(const QString &timestamp)
+{
+    return utc_text(before_point(QStringView(timestamp).trimmed()).toInt());
+}
+
+QString utc_text(qint64 unix_time)
 {
     using namespace std::chrono;
 
-    const int unix_time = before_point(QStringView(timestamp).trimmed()).toInt();
-    if (unix_time == 0)
+    if (unix_time == 0 || unix_time != static_cast<int>(unix_time))
         return empty_text();
 
     // Runs for every visit of a history; calendar arithmetic costs a fraction of a QDateTime.

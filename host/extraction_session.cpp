@@ -9,6 +9,7 @@
 #include "plugin/opera.h"
 
 #include <QElapsedTimer>
+#include <QFileInfo>
 
 using namespace Qt::StringLiterals;
 
@@ -64,6 +65,18 @@ QList<table_rows> difference(QList<table_rows> after, const QList<table_rows> &b
     return after;
 }
 
+/// The plug-in counts a record when its statement succeeds; on a full disk the commit may yet fail.
+QString lost_records(const extraction_outcome &outcome)
+{
+    qint64 kept = 0;
+    for (const table_rows &counted : outcome.rows)
+        kept += counted.rows;
+    if (kept >= outcome.records)
+        return {};
+    return QString::number(outcome.records - kept) + u" of " + QString::number(outcome.records) +
+           u" records did not get into the result database; --log FILE tells why";
+}
+
 } // namespace
 
 extraction_outcome run_extraction(opera &plugin, const host_options &options, cancel_watch &cancel)
@@ -81,6 +94,8 @@ extraction_outcome run_extraction(opera &plugin, const host_options &options, ca
     plugin.pub_set_engine_type(options.engine_type);
     outcome.database = database_path(options.result, plugin.pub_get_artifact_name());
     outcome.problem = evidence_conflict(options, outcome.database);
+    if (outcome.problem.isEmpty() && QFileInfo::exists(outcome.database))
+        outcome.problem = database_problem(outcome.database);
     if (!outcome.problem.isEmpty())
         return outcome;
 
@@ -109,6 +124,7 @@ extraction_outcome run_extraction(opera &plugin, const host_options &options, ca
         outcome.problem = u"the result database " + outcome.database + u" cannot be made or read";
     outcome.records = progress.records();
     outcome.rows = difference(rows_after, rows_before);
+    outcome.loss = lost_records(outcome);
     outcome.seconds = static_cast<double>(since_start.elapsed()) / 1000.0;
     outcome.cancelled = cancel.cancelled();
     return outcome;

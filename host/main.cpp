@@ -47,7 +47,7 @@ int extract(host_options options, cancel_watch &cancel)
     if (!outcome.problem.isEmpty())
         return fail_with(outcome.problem);
     terminal::print_result(summary_text(outcome, options));
-    return done;
+    return outcome.loss.isEmpty() ? int{done} : fail_with(outcome.loss);
 }
 
 int run(const host_options &options, char **arguments)
@@ -98,6 +98,10 @@ int main(int argument_count, char **arguments)
 #ifdef SIGPIPE
     // A reader that went away is noticed as a failed write.
     std::signal(SIGPIPE, SIG_IGN);
+#endif
+#ifdef SIGXFSZ
+    // So is a file that may not grow: the rows before it stay, and the temporary copies go.
+    std::signal(SIGXFSZ, SIG_IGN);
 #endif
     terminal::install_message_handler();
 

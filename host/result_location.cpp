@@ -6,6 +6,9 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QSqlDatabase>
+#include <QSqlError>
+#include <QSqlQuery>
 #include <QTemporaryFile>
 
 using namespace Qt::StringLiterals;
@@ -52,4 +55,29 @@ QString make_writable(const host_options &options)
             return u"cannot write the log file " + options.log_file + u": " + log.errorString();
     }
     return {};
+}
+
+QString database_problem(const QString &database)
+{
+    const QString connection = u"opera_extract_trial"_s;
+    QString error;
+    {
+        QSqlDatabase result = QSqlDatabase::addDatabase(u"QSQLITE"_s, connection);
+        result.setDatabaseName(database);
+        if (result.open()) {
+            // Reading works, and a transaction begins, where nothing can be written: only the
+            // commit of a change tells. The number that hosts may keep stays what it is.
+            QSqlQuery query(result);
+            if (!query.exec(u"BEGIN IMMEDIATE"_s) || !query.exec(u"PRAGMA user_version"_s) ||
+                !query.next() ||
+                !query.exec(u"PRAGMA user_version = " + query.value(0).toString()) ||
+                !query.exec(u"COMMIT"_s))
+                error = query.lastError().text();
+        } else {
+            error = result.lastError().text();
+        }
+    }
+    QSqlDatabase::removeDatabase(connection);
+    return error.isEmpty() ? QString()
+                           : u"cannot write to the result database " + database + u": " + error;
 }

@@ -17,3 +17,7 @@ QString evidence_conflict(const host_options &options, const QString &database);
 /// Creates the result folder and tries to write there and to the log file. Says what failed; empty
 /// when all is well.
 QString make_writable(const host_options &options);
+
+/// Tries to write to a database that is there, changing nothing in it. Waits some seconds for a
+/// process that holds it. Says what failed; empty when all is well.
+QString database_problem(const QString &database);

@@ -15,6 +15,7 @@ struct table_rows {
 /// What a run has to show for itself.
 struct extraction_outcome {
     QString problem; ///< why it could not run; empty when it could
+    QString loss;    ///< what the database did not keep; empty when it kept all records
     QString database;
     qint64 records = 0;     ///< the plug-in's own count
     QList<table_rows> rows; ///< rows of this run

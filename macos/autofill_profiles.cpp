@@ -91,6 +91,10 @@ insertion profile_insertion()
                        source_count_name}};
 }
 
+const std::vector<searched_column> searched_details = {{"autofill_profile_names", "guid"},
+                                                       {"autofill_profile_emails", "guid"},
+                                                       {"autofill_profile_phones", "guid"}};
+
 } // namespace
 
 const database_reader macos_readers::autofill_profiles_11 = {
@@ -111,6 +115,7 @@ const database_reader macos_readers::autofill_profiles_11 = {
             query_failure("[extract_webdata_autofill_profiles_11] select_query -----FAILED-----"),
         .insert = profile_insertion(),
     }},
+    .searched_columns = searched_details,
 };
 
 const database_reader macos_readers::autofill_profiles = {
@@ -173,6 +178,7 @@ const database_reader macos_readers::autofill_profiles = {
                                 as_stored(9),       // date_modified
                                 source_file_path, relation_source_file, os_scheme_display,
                                 source_count_name}}}},
+    .searched_columns = searched_details,
 };
 
 struct_autofill_names opera_macos::get_name_for_autofill_profiles(const QString &guid,
@@ -256,13 +262,18 @@ QString opera_macos::get_phone_for_autofill_profiles(const QSqlDatabase &source,
 {
     QSqlQuery query(source);
     query.setForwardOnly(true);
-    // The guid is part of the text: one that holds a double quote makes the statement fail, which
-    // is logged, and the profile is written without its phone numbers.
-    if (query.exec(u"select number from autofill_profile_phones where guid = \""_s + guid + u'"'))
+    // The guid is part of the statement: one that would end its quotes is not run, which is logged,
+    // and the profile is written without its phone numbers.
+    const QString sql =
+        pasted_statement("select number from autofill_profile_phones where guid = ", guid);
+    if (!sql.isEmpty() && query.exec(sql))
         return joined_rows(query);
-    report("[get_phone_for_autofill_profiles]--------FAILED------- *****to execute query "
-           "query_source_phone",
-           caller, query);
+    log_failure(query_failure(
+                    "[get_phone_for_autofill_profiles]--------FAILED------- *****to execute query "
+                    "query_source_phone"),
+                caller,
+                {.error = sql.isEmpty() ? unsafe_key_error() : query.lastError().text(),
+                 .query = query.lastQuery()});
     return empty_text();
 }
 

@@ -243,7 +243,7 @@ bool write_line_bookmark(const line_bookmark &bookmark, record_sink &sink)
         return true;
     using common = plugin_static_function;
     const QString seconds = common::convert_google_time_to_epoch(bookmark.date_added);
-    return sink.write({seconds.section(u'.', 0, 0),
+    return sink.write({not_null(seconds.section(u'.', 0, 0)),
                        common::convert_string_to_unicode(bookmark.name), bookmark.url});
 }
 

@@ -196,6 +196,7 @@ const database_reader macos_readers::download_11 = {
     .look_ups = {{"select url from downloads_url_chains where id = ?",
                   query_failure(with_path("[extract_download_11]source_url_chain_query execution "
                                           "-----FAILED------ for file --->>>"))}},
+    .searched_columns = {{"downloads_url_chains", "id"}},
 };
 
 const database_reader macos_readers::download = {
@@ -220,6 +221,7 @@ const database_reader macos_readers::download = {
     .look_ups = {{"select url from downloads_url_chains where id = ?",
                   query_failure(with_path("[extract_download]source_url_chain_query execution "
                                           "--------FAILED------- for file --->>>"))}},
+    .searched_columns = {{"downloads_url_chains", "id"}},
 };
 
 QString opera_macos::get_name_for_downloads(const QString &path)
@@ -236,7 +238,11 @@ void opera_macos::derive_download(source_row &row) const
     const QString complete = run.source_root.chopped(run.source_root.endsWith(u'/')) + inside;
     // What the browser recorded may name any place; only a file of the source is looked at.
     const bool exists = !inside.trimmed().isEmpty() && is_inside_folder(complete, run.source_root);
-    const file_description file = exists ? describe_file(complete) : file_description();
+    file_description file;
+    if (exists)
+        file = describe_file(complete);
+    else
+        file.attribute_document = get_extended_attributes({}, {}).xml_text;
 
     row.derived.resize(attribute_values + 1);
     const auto set = [&row](download_value place, const QString &value) {
@@ -245,7 +251,8 @@ void opera_macos::derive_download(source_row &row) const
     set(name, get_name_for_downloads(inside));
     set(file_extension, common::mining_suffix(inside));
     set(file_existence, yes_or_no(exists));
-    set(file_size, exists ? common::mining_size(complete) : empty_text());
+    set(file_size,
+        exists ? common::mining_size(QFileInfo(complete).canonicalFilePath()) : empty_text());
     set(path_in_source, common::get_relative_file_path(inside, run.source_root, run.source_type));
     set(date_added, file.birth_time);
     set(content_creation_date, file.content_creation_date);

@@ -2,10 +2,9 @@
 // extensions.
 
 #include "common/evidence_file.h"
-#include "common/exported_pictures.h"
+#include "common/extraction/extension_manifest.h"
 #include "common/extraction/record_reader.h"
 #include "common/plugin_static_function.h"
-#include "common/text_values.h"
 #include "macos/opera_macos.h"
 
 #include <QDir>
@@ -55,24 +54,10 @@ const record_reader extensions_reader = {
                           os_scheme_display, source_count_name}},
 };
 
-/// Strings as they are, numbers in decimal, anything else empty.
-QString text_of(const QJsonValue &value)
-{
-    if (value.isDouble())
-        return value.toVariant().toString();
-    return not_null(value.toString());
-}
-
-/// YES or NO of a boolean; empty when the record does not say.
-QString flag_of(const QJsonValue &value)
-{
-    return value.isBool() ? yes_or_no(value.toBool()) : empty_text();
-}
-
 /// The browser stores 1 for enabled and 0 for disabled; others (blocked, external) have no name.
 QString state_of(const QJsonValue &value)
 {
-    const QString state = text_of(value);
+    const QString state = json_text(value);
     if (state == "1"_L1)
         return u"Enable"_s;
     return state == "0"_L1 ? u"Disable"_s : u"Unknown"_s;
@@ -80,31 +65,7 @@ QString state_of(const QJsonValue &value)
 
 QString seconds_of(const QJsonValue &browser_time)
 {
-    return plugin_static_function::convert_google_time_to_epoch(text_of(browser_time));
-}
-
-/// The picture that stands for the extension, relative to its folder: the largest of its icons, or
-/// a theme's background.
-QString picture_of(const QJsonObject &manifest)
-{
-    const QJsonObject icons = manifest.value("icons"_L1).toObject();
-    int largest = -1;
-    QString picture;
-    for (auto icon = icons.begin(); icon != icons.end(); ++icon) {
-        const int size = icon.key().toInt();
-        if (size > largest && icon.value().isString()) {
-            largest = size;
-            picture = icon.value().toString();
-        }
-    }
-    if (!picture.isEmpty())
-        return picture;
-    return manifest.value("theme"_L1)
-        .toObject()
-        .value("images"_L1)
-        .toObject()
-        .value("theme_ntp_background"_L1)
-        .toString();
+    return plugin_static_function::convert_google_time_to_epoch(json_text(browser_time));
 }
 
 /// Where the extension's files lie. A recorded path is relative to the profile's "Extensions"
@@ -127,33 +88,6 @@ QString extension_folder(const QString &recorded, const QString &profile, const 
 
 } // namespace
 
-exported_picture opera_macos::export_extension_picture(const QString &id,
-                                                       const QJsonObject &extension,
-                                                       const source_file &file) const
-{
-    const QJsonObject manifest = extension.value("manifest"_L1).toObject();
-    const QString picture = picture_of(manifest);
-    const QString folder = extension_folder(text_of(extension.value("path"_L1)),
-                                            QFileInfo(file.path).path(), state_.run.source_root);
-    if (picture.isEmpty() || folder.isEmpty())
-        return {};
-    const QString source = folder + u'/' + picture;
-    if (!is_inside_folder(folder, state_.run.source_root) || !is_inside_folder(source, folder) ||
-        !QFileInfo(source).isFile())
-        return {};
-
-    const QFileInfo resolved(QFileInfo(source).canonicalFilePath());
-    const QString root = QFileInfo(state_.run.source_root).canonicalFilePath();
-    exported_picture exported;
-    exported.source_path = resolved.filePath().mid(root == "/"_L1 ? 0 : root.size());
-    const QString name = safe_picture_name(
-        {file.system_user, id, text_of(manifest.value("version"_L1)), resolved.completeBaseName()},
-        resolved.suffix().isEmpty() ? QString() : u'.' + resolved.suffix());
-    if (!name.isEmpty() && copy_picture(source, state_.run.result_directory + u"Images/" + name))
-        exported.copy_path = u"./Images/"_s + name;
-    return exported;
-}
-
 void opera_macos::extract_extensions(const QString &source_path)
 {
     const QStringList files = source_path.isEmpty() ? QStringList() : QStringList(source_path);
@@ -173,22 +107,26 @@ void opera_macos::extract_extensions(const QString &source_path)
         for (auto entry = settings.begin(); entry != settings.end(); ++entry) {
             const QJsonObject extension = entry.value().toObject();
             const QJsonObject manifest = extension.value("manifest"_L1).toObject();
+            const QString folder =
+                extension_folder(json_text(extension.value("path"_L1)),
+                                 QFileInfo(sink.file().path).path(), state_.run.source_root);
             const exported_picture picture =
-                export_extension_picture(entry.key(), extension, sink.file());
-            if (!sink.write(
-                    {text_of(manifest.value("name"_L1)), text_of(manifest.value("description"_L1)),
-                     text_of(manifest.value("version"_L1)),
-                     text_of(extension.value("container"_L1)),
-                     text_of(manifest.value("current_locale"_L1)),
-                     text_of(manifest.value("default_locale"_L1)),
-                     flag_of(manifest.value("offline_enabled"_L1)),
-                     text_of(manifest.value("update_url"_L1)),
-                     flag_of(extension.value("was_installed_by_default"_L1)),
-                     flag_of(extension.value("was_installed_by_oem"_L1)),
-                     seconds_of(extension.value("install_time"_L1)),
-                     seconds_of(extension.value("lastpingday"_L1)),
-                     text_of(extension.value("path"_L1)), state_of(extension.value("state"_L1)),
-                     picture.source_path, picture.copy_path}))
+                export_extension_picture(folder, entry.key(), manifest, sink.file(), state_.run);
+            if (!sink.write({json_text(manifest.value("name"_L1)),
+                             json_text(manifest.value("description"_L1)),
+                             json_text(manifest.value("version"_L1)),
+                             json_text(extension.value("container"_L1)),
+                             json_text(manifest.value("current_locale"_L1)),
+                             json_text(manifest.value("default_locale"_L1)),
+                             json_flag(manifest.value("offline_enabled"_L1)),
+                             json_text(manifest.value("update_url"_L1)),
+                             json_flag(extension.value("was_installed_by_default"_L1)),
+                             json_flag(extension.value("was_installed_by_oem"_L1)),
+                             seconds_of(extension.value("install_time"_L1)),
+                             seconds_of(extension.value("lastpingday"_L1)),
+                             json_text(extension.value("path"_L1)),
+                             state_of(extension.value("state"_L1)), picture.source_path,
+                             picture.copy_path}))
                 break;
         }
         return reading_end::next_file;

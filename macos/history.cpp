@@ -2,6 +2,7 @@
 
 #include "common/plugin_static_function.h"
 #include "common/text_values.h"
+#include "common/time_values.h"
 #include "macos/macos_readers.h"
 #include "macos/opera_macos.h"
 
@@ -12,17 +13,24 @@ using namespace Qt::StringLiterals;
 namespace
 {
 
+QVariant look_up_key(const QVariant &id)
+{
+    return whole_number(id) ? id : QVariant(id.toString().trimmed());
+}
+
 /// All visits of a URL as one text: "Visit Timestamp (UTC): ...;Transition: ...", joined by ";;".
 QVariant visit_text(source_row &row, int id_column)
 {
     QString visits = empty_text();
     const bool complete =
-        row.look_up(0, row.text(id_column).trimmed(), [&visits](const QSqlQuery &visit) {
-            using common = plugin_static_function;
-            const QString seconds = common::convert_google_time_to_epoch(visit.value(0).toString());
-            if (!seconds.isEmpty())
+        row.look_up(0, look_up_key(row.stored(id_column)), [&visits](const QSqlQuery &visit) {
+            const QVariant seconds = unix_seconds_of(visit.value(0));
+            if (const std::optional<qint64> number = whole_number(seconds))
+                visits += u"Visit Timestamp (UTC): " + utc_text(*number) + u';';
+            else if (const QString text = seconds.toString(); !text.isEmpty())
                 visits += u"Visit Timestamp (UTC): " +
-                          common::convert_timestamp_to_human_readable_in_UTC(seconds) + u';';
+                          plugin_static_function::convert_timestamp_to_human_readable_in_UTC(text) +
+                          u';';
             const QString transition = visit.value(1).toString();
             if (!transition.isEmpty())
                 visits += u"Transition: " + transition + u';';
@@ -72,6 +80,7 @@ const database_reader macos_readers::history_11 = {
                   // Hosts know this line, although the query is none for an icon.
                   query_failure(
                       "[extract_history_11] select_icon_query  ---------FAILED----------")}},
+    .searched_columns = {{"visits", "url"}},
 };
 
 const database_reader macos_readers::history_url = {

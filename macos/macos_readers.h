@@ -24,4 +24,11 @@ extern const database_reader autofill_profiles;
 extern const database_reader credit_cards_11;
 extern const database_reader topsites;
 
+// Read by no driver; all but the first write to tables that only the host creates.
+extern const database_reader credit_cards;
+extern const database_reader keywords_11;
+extern const database_reader favicons_11;
+extern const database_reader thumbnails;
+extern const database_reader sync_data_11;
+
 } // namespace macos_readers

@@ -20,6 +20,7 @@ class record_sink;
 class row_insertion;
 class source_row;
 struct record_reader;
+struct struct_thumbnail_info;
 
 /// The parts of a name that an address profile holds.
 struct struct_autofill_names {
@@ -27,12 +28,6 @@ struct struct_autofill_names {
     QString middle_name = QStringLiteral("");
     QString last_name = QStringLiteral("");
     QString full_name = QStringLiteral("");
-};
-
-/// A picture of the evidence that was copied to "Images/".
-struct exported_picture {
-    QString source_path = QStringLiteral(""); ///< inside the source, begins with "/"
-    QString copy_path = QStringLiteral("");   ///< "./Images/NAME"; empty when nothing was copied
 };
 
 /// One URL found in a session file.
@@ -116,6 +111,10 @@ public:
     void extract_webdata_autofill_profiles();
     /// Table credits_cards, with or without use counts and dates.
     void extract_webdata_credit_cards_11();
+    /// An older reader of the same files, without use counts and dates; no driver calls it.
+    void extract_webdata_credit_cards();
+    /// Table keywords, the search engines: 0, or -1 on another schema. No driver calls it.
+    int extract_keywords_11();
 
     /// Look-ups of the current profiles reader, on a query of the source: the first row of the
     /// profile, empty texts without one. A failure is logged. The query is prepared when it is not.
@@ -170,6 +169,31 @@ public:
     /// Table sessions: the URLs behind the URL marker in every session file.
     void extract_sessions_11();
 
+    // The readers from here to the signals write to tables that only the host creates; no driver
+    // calls them.
+
+    /// Table favicon; the pictures become files in "Images/".
+    void extract_favicons_11();
+    /// Look-ups of the icons' reader, on a query of the source: the icon's own address, and every
+    /// page that shows it. A failure is logged. The query is prepared when it is not.
+    static QString get_icon_url(QSqlQuery &query, const QString &icon_id);
+    static QStringList get_fav_urls(QSqlQuery &query, const QString &icon_id);
+    /// Table thumbnails; the pictures become files in "Images/", numbered anew for every source
+    /// file, so that a later file's pictures replace an earlier one's.
+    void extract_thumbnails();
+    /// Writes one thumbnail; all texts are empty, and the failure is logged, when that fails.
+    struct_thumbnail_info get_thumbnail_image(const QByteArray &image_data, int number) const;
+
+    /// Table preferences, from one "Preferences" and one "Local State" file.
+    void extract_preferences(const QString &source_path);
+    void extract_local_preferences(const QString &source_path);
+    /// Table website_exceptions, from one "Preferences" file.
+    void extract_website_exceptions(const QString &source_path);
+    /// What examiners read for a type of exception; empty for an unknown one.
+    static QString get_exact_name(const QString &type);
+    /// Table sync_data. Items that were never sent to the server are skipped.
+    void extract_sync_data_11();
+
 Q_SIGNALS:
     void signal_extracted_records_of_plugin_macos(qint64 records);
     void signal_total_tabs_processed_macos(int tables);
@@ -211,9 +235,6 @@ private:
     /// Puts the values of a download that depend on the downloaded file into the row.
     void derive_download(source_row &row) const;
     bool read_cache_folder(record_sink &sink);
-    /// Copies an extension's picture to "Images/" when it lies in the extension's own folder.
-    exported_picture export_extension_picture(const QString &id, const QJsonObject &extension,
-                                              const source_file &file) const;
 
     /// Where the entries of a walk go.
     struct bookmark_walk {

@@ -1,4 +1,4 @@
-// Form entries, payment cards and search engines, from the "Web Data" file. Times are copied as the
+// Form entries and payment cards, from the "Web Data" file. Times are copied as the
 // browser stored them; a card number stays in the browser's enciphered form.
 
 #include "macos/macos_readers.h"
@@ -124,6 +124,50 @@ const database_reader macos_readers::credit_cards_11 = {
                   .insert = card_insertion(empty_value, empty_value)}},
 };
 
+namespace
+{
+
+insertion older_card_insertion(value_rule origin)
+{
+    return {.sql = "insert into credits_cards(bookmark,system_user,guid,name_on_card,"
+                   "expiration_month,expiration_year,date_modified,card_number_encrypted,origin,"
+                   "source_file,artifacts_relation_source_file,os_scheme_display,"
+                   "source_count_name) values(?,?,?,?,?,?,?,?,?,?,?,?,?)",
+            .values = {untagged, system_user,
+                       as_stored(0), // guid
+                       as_stored(1), // name_on_card
+                       as_stored(2), // expiration_month
+                       as_stored(3), // expiration_year
+                       as_stored(4), // date_modified
+                       as_stored(5), // card_number_encrypted
+                       origin, source_file_path, relation_source_file, os_scheme_display,
+                       source_count_name}};
+}
+
+} // namespace
+
+const database_reader macos_readers::credit_cards = {
+    .signature = "void opera_macos::extract_webdata_credit_cards()",
+    .starts = "[extract_webdata_credit_cards] starts",
+    .destination_failed =
+        open_failure("[extract_webdata_credit_cards]Destination Db opening --------FAILED------- "),
+    .source_failed =
+        open_failure("[extract_webdata_credit_cards]source Db opening --------FAILED------- "),
+    .insert_failed = query_failure("[extract_webdata_credit_cards]--------FAILED------- to "
+                                   "execute query insert "),
+    .ends = "[extract_webdata_credit_cards] end.",
+    .readings = {{.select = "select guid,name_on_card,expiration_month,expiration_year,"
+                            "date_modified,card_number_encrypted,origin from credit_cards",
+                  .select_failed = {},
+                  .insert = older_card_insertion(as_stored(6))},
+                 {.select = "select guid,name_on_card,expiration_month,expiration_year,"
+                            "date_modified,card_number_encrypted from credit_cards",
+                  .select_failed =
+                      query_failure("[extract_webdata_credit_cards]--------FAILED------- to "
+                                    "execute query query_source_web_data "),
+                  .insert = older_card_insertion(empty_value)}},
+};
+
 int opera_macos::extract_webdata_autofill_11()
 {
     return read_databases(macos_readers::autofill_11, found_.web_data_11, state_.run);
@@ -137,4 +181,9 @@ void opera_macos::extract_webdata_autofill()
 void opera_macos::extract_webdata_credit_cards_11()
 {
     read_databases(macos_readers::credit_cards_11, found_.web_data_11, state_.run);
+}
+
+void opera_macos::extract_webdata_credit_cards()
+{
+    read_databases(macos_readers::credit_cards, found_.web_data, state_.run);
 }

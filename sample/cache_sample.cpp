@@ -1,6 +1,7 @@
 #include "sample/byte_writer.h"
 #include "sample/evidence_files.h"
 #include "sample/file_kinds.h"
+#include "sample/file_notes.h"
 #include "sample/profile.h"
 
 using namespace Qt::StringLiterals;
@@ -74,6 +75,20 @@ void write_cached_files(const QString &folder, qint64 count, number_source numbe
     }
 }
 
+/// A picture with its place that was opened once from the cache.
+void write_noted_picture(const QString &path, bool with_notes)
+{
+    constexpr gps_position western_valley = {36 * 3600 + 15 * 60, -(116 * 3600 + 49 * 60 + 33),
+                                             -86};
+    write_file(path, jpeg_picture(90, &western_valley), days_ago(15));
+    if (with_notes)
+        write_notes(path,
+                    {.where_froms = {u"https://photos.silverbeach.test/valley (evening).jpg"_s,
+                                     u"https://photos.silverbeach.test/Jörg’s album"_s},
+                     .downloaded = days_ago(15),
+                     .last_used = days_ago(14)});
+}
+
 } // namespace
 
 void write_cache_folders(const profile &account)
@@ -87,6 +102,7 @@ void write_cache_folders(const profile &account)
     write_file(cache + u"old_entries/data_9", "not cached\n", days_ago(50));
     write_file(cache + u".hidden entry.html", page_text(0), days_ago(45));
     write_file(cache + u"empty", QByteArray(), days_ago(44));
+    write_noted_picture(cache + u"old_entries/f_00000b", !account.windows());
 
     const QString media = account.cache_folder + u"Media Cache/";
     write_bookkeeping(media);

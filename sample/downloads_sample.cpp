@@ -1,5 +1,6 @@
 #include "sample/evidence_files.h"
 #include "sample/file_kinds.h"
+#include "sample/file_notes.h"
 #include "sample/history_sample.h"
 
 #include <QFileInfo>
@@ -81,10 +82,13 @@ constexpr special_download latest_download = {
     "Wed, 01 Mar 2023 08:50:00 GMT"};
 constexpr qint64 latest_download_id = 100;
 
+/// The page whose links led to the downloads.
+constexpr const char *list_page = "https://www.example.org/list?page=2";
+
 QByteArray contents_of(const QString &name)
 {
-    constexpr gps_position southern_beach = {-(33 * 3600 + 53 * 60 + 27),
-                                             151 * 3600 + 16 * 60 + 37};
+    constexpr gps_position southern_beach = {-(33 * 3600 + 53 * 60 + 27), 151 * 3600 + 16 * 60 + 37,
+                                             4};
     const QString suffix = QFileInfo(name).suffix();
     if (suffix == "pdf"_L1)
         return pdf_document("Harbour Gazette");
@@ -124,13 +128,11 @@ public:
                              !stored.contains(u'\\') && !stored.contains(u':');
         const QString target = is_name ? path_in_downloads(stored)
                                        : QString(stored).replace(u"%user%"_s, account_.user);
-        qint64 size = 700000 + numbers_.below(9000000);
-        if (is_name && download.exists) {
-            const QByteArray contents = contents_of(stored);
-            write_file(account_.home + u"Downloads/" + stored, contents, download.started + 3);
-            size = contents.size();
-        }
         const QStringList chain = QString::fromUtf8(download.chain).split(u' ', Qt::SkipEmptyParts);
+        qint64 size = 700000 + numbers_.below(9000000);
+        if (is_name && download.exists)
+            size = write_downloaded_file(account_.home + u"Downloads/" + stored, download, chain,
+                                         !account_.windows());
         if (older_)
             add_older(id, download, target, size, chain.isEmpty() ? QString() : chain.last());
         else
@@ -143,6 +145,20 @@ private:
         if (account_.windows())
             return u"C:\\Users\\" + account_.user + u"\\Downloads\\" + name;
         return u"/Users/" + account_.user + u"/Downloads/" + name;
+    }
+
+    /// Returns the file's size.
+    static qint64 write_downloaded_file(const QString &path, const special_download &download,
+                                        const QStringList &chain, bool with_notes)
+    {
+        const QByteArray contents = contents_of(QFileInfo(path).fileName());
+        write_file(path, contents, download.started + 3);
+        if (with_notes)
+            write_notes(path, {.where_froms = {chain.value(chain.size() - 1),
+                                               QString::fromLatin1(list_page)},
+                               .downloaded = download.started + 3,
+                               .last_used = download.opened != 0 ? download.started + 300 : 0});
+        return contents.size();
     }
 
     static qint64 received(const special_download &download, qint64 size)
@@ -164,7 +180,7 @@ private:
     {
         const qint64 ended = download.state == 0 ? 0 : browser_time(download.started + 3, 250000);
         const QString current = download.state == 1 ? target : target + u".opdownload";
-        const char *referrer = chain.isEmpty() ? "" : "https://www.example.org/list?page=2";
+        const char *referrer = chain.isEmpty() ? "" : list_page;
         downloads_.add(id, make_guid(numbers_), current, target, browser_time(download.started, id),
                        received(download, size), size, download.state, 0,
                        download.state == 1 ? 0 : 40, QByteArray(), ended, download.opened, referrer,

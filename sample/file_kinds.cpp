@@ -48,25 +48,29 @@ void add_exif_entry(byte_writer &to, quint16 tag, quint16 type, quint32 count, q
 
 QByteArray exif_data(const gps_position &position)
 {
+    constexpr quint16 byte = 1;
     constexpr quint16 ascii = 2;
     constexpr quint16 unsigned_long = 4;
     constexpr quint16 rational = 5;
-    // Offsets count from the "II": 8 first directory, 26 GPS directory, 80 the six fractions.
+    // Offsets count from the "II": 8 first directory, 26 GPS directory, 104 the seven fractions.
     byte_writer tiff;
     tiff.add("II").add_16(42).add_32(8);
     tiff.add_16(1);
     add_exif_entry(tiff, 0x8825, unsigned_long, 1, 26);
     tiff.add_32(0);
-    tiff.add_16(4);
+    tiff.add_16(6);
     add_exif_entry(tiff, 1, ascii, 2, position.latitude < 0 ? 'S' : 'N');
-    add_exif_entry(tiff, 2, rational, 3, 80);
+    add_exif_entry(tiff, 2, rational, 3, 104);
     add_exif_entry(tiff, 3, ascii, 2, position.longitude < 0 ? 'W' : 'E');
-    add_exif_entry(tiff, 4, rational, 3, 104);
+    add_exif_entry(tiff, 4, rational, 3, 128);
+    add_exif_entry(tiff, 5, byte, 1, position.altitude < 0 ? 1 : 0);
+    add_exif_entry(tiff, 6, rational, 1, 152);
     tiff.add_32(0);
     for (const int seconds : {std::abs(position.latitude), std::abs(position.longitude)}) {
         for (const int part : {seconds / 3600, seconds / 60 % 60, seconds % 60})
             tiff.add_32(static_cast<quint32>(part)).add_32(1);
     }
+    tiff.add_32(static_cast<quint32>(std::abs(position.altitude))).add_32(1);
     return QByteArray("Exif\0\0", 6) + tiff.bytes();
 }
 

@@ -9,10 +9,11 @@ namespace sample
 /// A small PNG picture; another number gives another picture.
 QByteArray png_picture(int width, int height, quint64 number);
 
-/// A picture's place on earth in whole seconds of arc; negative: south, west.
+/// A picture's place on earth: whole seconds of arc, negative in the south and west, and metres.
 struct gps_position {
     int latitude;
     int longitude;
+    int altitude;
 };
 
 /// A grey JPEG picture (8 by 8 dots), with its place in the Exif data when one is given.

@@ -9,14 +9,34 @@
 #include <QWidget>
 
 class plugin_helper_functions;
+class record_sink;
+class source_row;
+struct record_reader;
 
-/// The extractor for Windows sources. The controller calls the members prefixed winos_ in its own
-/// calling order; see opera.h.
+/// The extractor for Windows sources: finds the profile files of every account and reads each
+/// artefact kind into its result table. The controller calls the members prefixed winos_ in its own
+/// calling order; see opera.h. Every extractor logs its start, its failures and its end, counts
+/// each row it writes and stops at the next row when cancelled; rows written so far stay.
 class opera_winos : public QWidget
 {
     Q_OBJECT
 
 public:
+    /// One bookmark of the line-by-line reader; texts as the file holds them.
+    struct bookmarks_data {
+        QString date_added; ///< microseconds since 1601-01-01 UTC
+        QString name;
+        QString type;
+        QString url;
+    };
+
+    /// What an address profile's table of names holds.
+    struct autofill_profile_info {
+        QString full_name = QStringLiteral("");
+        QString date_of_birth = QStringLiteral("");
+        QString gender = QStringLiteral("");
+    };
+
     explicit opera_winos(QWidget *parent = nullptr);
 
     void winos_set_plugin_helper_obj(plugin_helper_functions *helper);
@@ -41,15 +61,103 @@ public:
     /// Runs the driver and signals the final record count.
     void winos_extract_artifacts();
 
+    /// Fills the lists of found files anew from the profile folder of every account.
     void find_source_file();
+    /// Runs the extractors of the selected tables in their fixed order.
     void extract_plugin_artifacts();
+
+    /// True when the table downloads holds a name that contains the text, which is pasted into the
+    /// statement as it is ("%" and "_" match as wildcards). False also when the result database
+    /// does not open or the statement fails. No extractor calls it.
+    bool check_duplicate_file(const QString &name);
+
+    /// Table history: one row per visit.
+    void extract_history_url();
+    /// Table downloads, with what the source still holds of each downloaded file.
+    void extract_history_download();
+    /// Table search_items.
+    void extract_search_items();
+    /// The path under the source root that a file URL on drive C: names; empty for all others.
+    QString file_url_to_unix_name(const QString &url) const;
+    /// The last element of a path; empty when the path ends in "/".
+    static QString extract_name_for_downloads(const QString &path);
+
+    /// Table cookies.
+    void extract_cookies();
+    /// Table logins; passwords stay enciphered.
+    void extract_login_data();
+
+    /// Table autofill.
+    void extract_webdata_autofill();
+    /// Table autofill_profiles.
+    void extract_webdata_autofill_profiles();
+    /// Table credits_cards; card numbers stay enciphered.
+    void extract_webdata_credit_cards();
+    /// Look-ups of one profile in a private copy of a "Web Data" file. A failure is logged and
+    /// gives empty texts.
+    static autofill_profile_info extract_name_for_autofill_profiles(const QString &guid,
+                                                                    const QString &web_data_path);
+    static QString extract_email_for_autofill_profiles(const QString &guid,
+                                                       const QString &web_data_path);
+    static QString extract_phone_for_autofill_profiles(const QString &guid,
+                                                       const QString &web_data_path);
+
+    /// Table bookmarks, line by line from every "Bookmarks" file.
+    void extract_bookmark();
+    /// What stands behind the last occurrence of the key in the line, trimmed; the whole line
+    /// without one, empty for an empty key.
+    static QString bookmarks_string_chopper(const QString &line, const QString &key);
+    /// Table topsites.
+    void extract_topsites();
+
+    /// Table sessions, from "Current Session" and "Last Session".
+    void extract_current_session();
+    void extract_last_session();
+    /// The texts of a file that begin with "http" and end before a zero byte, percent-decoded and
+    /// trimmed, in file order. Empty, and logged, when the file does not open.
+    static QStringList extract_session_data(const QString &path);
+
+    /// Table extensions: one row per installed version; icons are copied to "Images/".
+    void extract_extensions();
 
 Q_SIGNALS:
     void signal_extracted_records_of_plugin_winos(qint64 records);
     void signal_total_tabs_processed_winos(int tables);
 
 private:
+    /// Absolute paths of found files, one list per consumer. That several lists hold the same paths
+    /// is the agreement: each extractor reads its own list.
+    struct found_files {
+        QStringList history_for_downloads;
+        QStringList history;
+        QStringList bookmarks;
+        QStringList favorites;
+        QStringList login_data;
+        QStringList cookies;
+        QStringList web_data_1;
+        QStringList web_data_2; ///< filled, read by nothing
+        QStringList web_data_3; ///< filled, read by nothing
+        QStringList search_history;
+        QStringList thumbnails;
+        QStringList favicons;
+        QStringList extensions;
+        QStringList current_session;
+        QStringList last_session;
+    };
+
+    // What a step of the driver does; see table_step.
+    bool run_once(void (opera_winos::*extractor)());
+    bool run_sessions();
+
+    /// The path inside the source, beginning with "/", that a file URL names; empty for all others.
+    QString local_path_of(const QString &url) const;
+    /// False when the look-up of the page did not come to its end.
+    bool derive_visit(source_row &row) const;
+    void derive_download(source_row &row) const;
+    void read_sessions(const record_reader &reader, const QStringList &files);
+
     extractor_state state_;
+    found_files found_;
     struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_desktop_info desktop_info_;
     struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_general_info general_info_;
 };

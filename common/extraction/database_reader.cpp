@@ -4,8 +4,11 @@
 #include "common/plugin_helper_functions.h"
 #include "common/plugin_static_function.h"
 
+#include <QFileInfo>
 #include <QtSql/QSqlError>
 #include <QtSql/QSqlQuery>
+
+#include <optional>
 
 using namespace Qt::StringLiterals;
 
@@ -19,10 +22,16 @@ enum class file_result { done, unknown_schema, cancelled };
 class prepared_query
 {
 public:
-    prepared_query(QSqlDatabase &database, const char *sql) : query_(database)
+    prepared_query(const QSqlDatabase &database, const char *sql)
+        : prepared_query(database, QString::fromUtf8(sql))
+    {
+    }
+    prepared_query(const QSqlDatabase &database, const QString &sql) : query_(database)
     {
         query_.setForwardOnly(true);
-        if (!query_.prepare(QString::fromUtf8(sql)))
+        if (sql.isEmpty())
+            prepare_error_ = unsafe_key_error();
+        else if (!query_.prepare(sql))
             prepare_error_ = query_.lastError().text();
     }
 
@@ -38,6 +47,37 @@ private:
     QString prepare_error_;
 };
 
+/// A damaged or made-up file can yield rows without end, or the same text in each of them. Rows and
+/// the characters of their texts stay below what a file of its size can hold.
+class reading_budget
+{
+public:
+    explicit reading_budget(qint64 file_size)
+        : rows_left_(file_size),
+          characters_left_(characters_per_byte * file_size + spare_characters)
+    {
+    }
+
+    void use_row() { --rows_left_; }
+    void use_text(const QVariant &value)
+    {
+        if (value.typeId() == QMetaType::QString)
+            characters_left_ -= value.toString().size();
+        else if (value.typeId() == QMetaType::QByteArray)
+            characters_left_ -= value.toByteArray().size();
+    }
+    bool is_used_up() const { return rows_left_ < 0 || characters_left_ < 0; }
+    static QString error() { return u"more rows than a file of this size can hold"_s; }
+
+private:
+    // A column may be read more than once, and its default value is stored once for all rows.
+    static constexpr qint64 characters_per_byte = 16;
+    static constexpr qint64 spare_characters = 1 << 20;
+
+    qint64 rows_left_;
+    qint64 characters_left_;
+};
+
 /// What is known while one file is read.
 struct file_reading {
     const database_reader &reader;
@@ -46,6 +86,7 @@ struct file_reading {
     const source_file &file;
     QSqlDatabase &source;
     const row_preparation &prepare_row;
+    qint64 copy_size; ///< bytes, the write-ahead log included
 
     void log(const failure_lines &lines, const QString &error, const QString &query) const
     {
@@ -62,21 +103,44 @@ class current_row : public database_row
 public:
     current_row(const file_reading &reading, const QSqlQuery &rows)
         : database_row(reading.run, reading.file), reading_(reading), rows_(rows),
-          look_ups_(reading.reader.look_ups.size())
+          look_ups_(reading.reader.look_ups.size()), budget_(reading.copy_size),
+          look_up_budget_(reading.copy_size)
     {
     }
 
-    QSqlDatabase source() const override { return reading_.source; }
+    /// Goes on to the next row; false at the end, and for whatever else ends the rows.
+    bool next(QSqlQuery &rows)
+    {
+        budget_.use_row();
+        return !budget_.is_used_up() && rows.next();
+    }
+    bool has_budget() const { return !budget_.is_used_up(); }
+
+    /// A connection of its own: on the one of the main SELECT, a look-up that meets a damaged page
+    /// would send the SELECT back to rows that it has given already.
+    QSqlDatabase source() override
+    {
+        if (!look_up_connection_)
+            look_up_connection_.emplace(reading_.signature + u"_look_up",
+                                        reading_.source.databaseName(),
+                                        named_connection::access::read_only);
+        return look_up_connection_->database();
+    }
 
     QSqlQuery &helper_query(int number) override
     {
         const auto index = static_cast<std::size_t>(number);
         while (helper_queries_.size() <= index)
-            helper_queries_.push_back(std::make_unique<QSqlQuery>(reading_.source));
+            helper_queries_.push_back(std::make_unique<QSqlQuery>(source()));
         return *helper_queries_.at(index);
     }
 
-    QVariant stored(int column) const override { return rows_.value(column); }
+    QVariant stored(int column) const override
+    {
+        QVariant value = rows_.value(column);
+        budget_.use_text(value);
+        return value;
+    }
 
     bool look_up(int number, const QVariant &key,
                  const std::function<void(const QSqlQuery &)> &each) override
@@ -84,10 +148,14 @@ public:
         const auto index = static_cast<std::size_t>(number);
         const row_look_up &wanted = reading_.reader.look_ups.at(index);
         std::unique_ptr<prepared_query> &prepared = look_ups_.at(index);
-        if (!prepared)
-            prepared = std::make_unique<prepared_query>(reading_.source, wanted.select);
+        if (wanted.key == row_look_up::key_place::pasted_at_end)
+            prepared = std::make_unique<prepared_query>(
+                source(), pasted_statement(wanted.select, key.toString()));
+        else if (!prepared)
+            prepared = std::make_unique<prepared_query>(source(), wanted.select);
         QSqlQuery &query = prepared->query();
-        query.bindValue(0, key);
+        if (wanted.key == row_look_up::key_place::placeholder)
+            query.bindValue(0, key);
         if (!prepared->execute()) {
             reading_.log(wanted.failed, prepared->error_text(), query.lastQuery());
             return false;
@@ -97,13 +165,19 @@ public:
                 interrupted_ = true;
                 break;
             }
-            if (!query.next())
+            if (look_up_budget_.is_used_up() || !query.next())
                 break;
+            look_up_budget_.use_row();
             each(query);
+            if (wanted.first_row_only)
+                break;
         }
-        const bool complete = !query.lastError().isValid();
+        const bool complete = !query.lastError().isValid() && !look_up_budget_.is_used_up();
         if (!complete)
-            reading_.log(wanted.failed, query.lastError().text(), query.lastQuery());
+            reading_.log(wanted.failed,
+                         look_up_budget_.is_used_up() ? reading_budget::error()
+                                                      : query.lastError().text(),
+                         query.lastQuery());
         query.finish();
         return complete;
     }
@@ -111,8 +185,11 @@ public:
 private:
     const file_reading &reading_;
     const QSqlQuery &rows_;
+    std::optional<named_connection> look_up_connection_; // outlives its queries below
     std::vector<std::unique_ptr<prepared_query>> look_ups_;
     std::vector<std::unique_ptr<QSqlQuery>> helper_queries_;
+    mutable reading_budget budget_;
+    reading_budget look_up_budget_;
 };
 
 /// The rows of a SELECT that ran, up to its last row or to what keeps it from going on.
@@ -122,20 +199,22 @@ file_result write_rows(const file_reading &reading, QSqlQuery &rows, row_inserti
     for (;;) {
         if (reading.run.cancelled())
             return file_result::cancelled;
-        if (!rows.next())
+        if (!row.next(rows))
             break;
         if (reading.prepare_row && !reading.prepare_row(row))
             continue;
         if (row.interrupted() || insert.write(row) == row_insertion::outcome::interrupted)
             return file_result::cancelled;
     }
-    if (rows.lastError().isValid()) {
+    if (rows.lastError().isValid() || !row.has_budget()) {
         // A damaged page ends the rows just as the last row does; the log must tell them apart.
         plugin_static_function::app_debug(
             operation_tag(reading.signature) +
                 u" rows of the source end early ---------FAILED----------" + reading.file.path,
             reading.signature);
-        reading.log({error_text, executed_query}, rows.lastError().text(), rows.lastQuery());
+        reading.log({error_text, executed_query},
+                    row.has_budget() ? rows.lastError().text() : reading_budget::error(),
+                    rows.lastQuery());
     }
     return file_result::done;
 }
@@ -176,15 +255,37 @@ file_result read_path(const database_reader &reader, const QString &signature, c
     named_connection source(reader.source_connection ? QString::fromUtf8(reader.source_connection)
                                                      : signature + u'1',
                             copy, named_connection::access::read_only);
-    const file_reading reading = {reader, signature, run, file, source.database(), prepare_row};
+    const file_reading reading = {reader,
+                                  signature,
+                                  run,
+                                  file,
+                                  source.database(),
+                                  prepare_row,
+                                  QFileInfo(copy).size() + QFileInfo(copy + u"-wal").size()};
     if (!source.is_open()) {
         reading.log(reader.source_failed, source.error_text(), {});
+        return file_result::done;
+    }
+    if (!prepare_private_copy(source.database(), signature + u"_copy", reader.searched_columns)) {
+        reading.log(reader.source_failed, u"the schema computes values"_s, {});
         return file_result::done;
     }
     return read_file(reading, writer);
 }
 
 } // namespace
+
+QString pasted_statement(const char *select, const QString &key)
+{
+    if (key.contains(u'"'))
+        return {};
+    return QString::fromUtf8(select) + u'"' + key + u'"';
+}
+
+QString unsafe_key_error()
+{
+    return u"the key holds a double quote"_s;
+}
 
 int read_databases(const database_reader &reader, const QStringList &files, extraction_run &run,
                    const row_preparation &prepare_row)

@@ -2,6 +2,7 @@
 
 #include "common/extraction/extraction_run.h"
 #include "common/extraction/failure_log.h"
+#include "common/extraction/private_copy.h"
 #include "common/extraction/result_writer.h"
 #include "common/extraction/value_rules.h"
 
@@ -19,11 +20,24 @@ struct source_reading {
     insertion insert;
 };
 
-/// A statement with one placeholder that is run for single rows of the main SELECT.
+/// A statement with one key that is run for single rows of the main SELECT.
 struct row_look_up {
+    enum class key_place {
+        placeholder,
+        pasted_at_end, ///< see pasted_statement()
+    };
+
     const char *select;
     failure_lines failed;
+    key_place key = key_place::placeholder;
+    bool first_row_only = false;
 };
+
+/// The statement with the key behind it, in double quotes. Empty for a key that holds a double
+/// quote itself: it would go on as SQL that the evidence wrote.
+QString pasted_statement(const char *select, const QString &key);
+/// What is logged as the error of such a key.
+QString unsafe_key_error();
 
 /// An extractor that reads one SQLite file per account: all that tells it from the others.
 struct database_reader {
@@ -35,6 +49,7 @@ struct database_reader {
     const char *ends;
     std::vector<source_reading> readings; ///< tried in order until a SELECT runs
     std::vector<row_look_up> look_ups = {};
+    std::vector<searched_column> searched_columns = {};
     /// When set: the number of the one reading to try, chosen by what the source holds.
     std::size_t (*choose_reading)(QSqlDatabase &source, const QString &signature) = nullptr;
     /// Name of the source connection; the signature and "1" when not set.
@@ -47,7 +62,8 @@ class database_row : public source_row
 public:
     using source_row::source_row;
 
-    virtual QSqlDatabase source() const = 0;
+    /// The private copy, for further queries.
+    virtual QSqlDatabase source() = 0;
     /// A further query on the source, the same for every row of the file, so that what a look-up
     /// prepares for one row serves all.
     virtual QSqlQuery &helper_query(int number) = 0;

@@ -5,6 +5,7 @@
 #include "common/evidence_file.h"
 #include "common/extraction/failure_log.h"
 #include "common/plugin_static_function.h"
+#include "common/text_values.h"
 
 #include <chrono>
 #include <utility>
@@ -68,6 +69,7 @@ source_file::source_file(const QString &found_path, const extraction_run &run) :
     using common = plugin_static_function;
     std::tie(system_user, domain_user) =
         common::extract_user_name_from_sourcefile(path, run.source_root);
+    domain_user = not_null(domain_user); // hosts name no domain for local accounts
     std::tie(stored_path, relation_path) = common::get_final_artifact_source_file(
         path_inside_source(path, run), run.source_root, run.source_type);
 }

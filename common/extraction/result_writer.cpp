@@ -15,23 +15,27 @@ namespace
 /// The driver's native code for "somebody else holds the database".
 constexpr QLatin1StringView database_is_locked = "5"_L1;
 
+/// The error text; empty when the INSERT fits the result table.
+QString prepare(QSqlQuery &query, const insertion &statement)
+{
+    return query.prepare(QString::fromUtf8(statement.sql)) ? QString() : query.lastError().text();
+}
+
 } // namespace
 
 row_insertion::row_insertion(QSqlQuery &query, const insertion &statement, const QString &signature,
                              const failure_lines &insert_failed, extraction_run &run)
     : query_(query), statement_(statement), signature_(signature), insert_failed_(insert_failed),
-      run_(run)
+      run_(run), prepare_error_(prepare(query, statement)),
+      bound_(query, static_cast<int>(statement.values.size()))
 {
-    const QString sql = QString::fromUtf8(statement.sql);
-    if (!query_.prepare(sql))
-        prepare_error_ = query_.lastError().text();
 }
 
 void row_insertion::begin_file(const source_file &file)
 {
     for (int position = 0; const value_rule &rule : statement_.values) {
         if (rule.of_file)
-            query_.bindValue(position, rule.of_file(run_, file));
+            bound_.replace(position, rule.of_file(run_, file));
         ++position;
     }
 }
@@ -40,7 +44,7 @@ row_insertion::outcome row_insertion::write(source_row &row)
 {
     for (int position = 0; const value_rule &rule : statement_.values) {
         if (rule.of_row)
-            query_.bindValue(position, rule.of_row(row, rule.column));
+            bound_.replace(position, rule.of_row(row, rule.column));
         ++position;
     }
     if (row.interrupted())

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/extraction/bound_values.h"
 #include "common/extraction/failure_log.h"
 #include "common/extraction/value_rules.h"
 #include "common/named_connection.h"
@@ -44,6 +45,7 @@ private:
     const failure_lines &insert_failed_;
     extraction_run &run_;
     QString prepare_error_; ///< set when the INSERT does not fit the result table
+    bound_values bound_;    ///< after the preparation, which forgets them
 };
 
 /// The result side of one extractor call: one connection named by the extractor's signature, one

@@ -2,6 +2,7 @@
 
 #include "common/plugin_static_function.h"
 #include "common/text_values.h"
+#include "common/time_values.h"
 
 using namespace Qt::StringLiterals;
 
@@ -43,16 +44,32 @@ constinit const value_rule empty_value = {
         return empty_text();
     }};
 
+namespace
+{
+
+/// What a placeholder for the stored value receives: its text. A whole number may stay one, as a
+/// typed result column makes the same value of its text.
+QVariant text_or_number(const QVariant &stored)
+{
+    const int type = stored.typeId();
+    return type == QMetaType::LongLong || type == QMetaType::QString ? stored : stored.toString();
+}
+
+} // namespace
+
 value_rule as_stored(int column)
 {
-    return {.of_row = [](source_row &row, int from) -> QVariant { return row.text(from); },
+    return {.of_row = [](source_row &row, int from) { return text_or_number(row.stored(from)); },
             .column = column};
 }
 
 value_rule trimmed(int column)
 {
     return {.of_row = [](source_row &row, int from) -> QVariant {
-                const QString text = row.text(from);
+                const QVariant stored = row.stored(from);
+                if (whole_number(stored))
+                    return stored;
+                const QString text = stored.toString();
                 const QString rest = text.trimmed();
                 // A text of blanks alone is empty, but it is not NULL.
                 return rest.isNull() && !text.isNull() ? empty_text() : rest;
@@ -63,7 +80,7 @@ value_rule trimmed(int column)
 value_rule unix_seconds(int column)
 {
     return {.of_row = [](source_row &row, int from) -> QVariant {
-                return plugin_static_function::convert_google_time_to_epoch(row.text(from));
+                return unix_seconds_of(row.stored(from));
             },
             .column = column};
 }
@@ -71,10 +88,9 @@ value_rule unix_seconds(int column)
 value_rule unix_seconds_keeping_zero(int column)
 {
     return {.of_row = [](source_row &row, int from) -> QVariant {
-                const QString text = row.text(from);
-                if (text.isEmpty() || text == "0"_L1)
-                    return text;
-                return plugin_static_function::convert_google_time_to_epoch(text);
+                const QVariant stored = text_or_number(row.stored(from));
+                const QString text = whole_number(stored) == 0 ? u"0"_s : stored.toString();
+                return text.isEmpty() || text == "0"_L1 ? QVariant(text) : unix_seconds_of(stored);
             },
             .column = column};
 }

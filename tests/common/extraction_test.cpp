@@ -54,7 +54,7 @@ struct frame_case {
         run.source_root = evidence.root();
         run.destination_path = results.filePath(u"r.sqlite"_s);
         plugin_static_function::bool_cancel_extraction = false;
-        execute(u"create table r(a, f)"_s);
+        execute(u"create table r(a VARCHAR, f VARCHAR)"_s);
     }
     void execute(const QString &sql) const
     {
@@ -85,6 +85,7 @@ private Q_SLOTS:
     void progress_is_signalled_once_a_second();
     void cancelling_keeps_the_rows_so_far();
     void a_damaged_page_is_not_taken_for_the_end();
+    void look_ups_of_a_large_file_without_index();
     void a_failed_insert_loses_its_row_only();
     void a_locked_result_database_is_waited_for_once();
     void unreadable_files_are_skipped();
@@ -166,6 +167,44 @@ void extraction_test::a_damaged_page_is_not_taken_for_the_end()
     QVERIFY(c.run.records() < 200);
     QVERIFY(
         c.log.has(u"[extract] rows of the source end early ---------FAILED----------"_s + path));
+}
+
+void extraction_test::look_ups_of_a_large_file_without_index()
+{
+    // Sixty thousand rows would take minutes if every look-up read the table from end to end.
+    static const database_reader by_look_up = {
+        .signature = "int tests::look_up()",
+        .starts = "starts",
+        .destination_failed = {},
+        .source_failed = {},
+        .insert_failed = {},
+        .ends = "ends",
+        .readings = {{.select = "select a from t",
+                      .select_failed = {},
+                      .insert = {.sql = "insert into r(a, f) values(?,?)",
+                                 .values = {as_stored(0), derived(0)}}}},
+        .look_ups = {{.select = "select b from d where k = ?", .failed = {}}},
+        .searched_columns = {{"d", "k"}, {"missing", "k"}},
+    };
+    frame_case c;
+    const QString path =
+        c.add(u"f"_s, "create table t(a integer); create table d(k integer, b);"
+                      "with recursive n(i) as (select 1 union all select i+1 from n where i<60000) "
+                      "insert into t select i from n;"
+                      "insert into d select 60001 - a, 'second' from t;"
+                      "update d set b = 'first' where k = 7; insert into d values(7, 'last');");
+    const auto before = c.evidence.fingerprints();
+    read_databases(by_look_up, {path}, c.run, [](database_row &row) {
+        QStringList found;
+        row.look_up(0, row.stored(0),
+                    [&found](const QSqlQuery &d) { found += d.value(0).toString(); });
+        row.derived = {found.join(u'+')};
+        return true;
+    });
+    QCOMPARE(
+        result_rows(c.run.destination_path, u"select f, count(*) from r group by f order by f"_s),
+        QList<QStringList>({{u"first+last"_s, u"1"_s}, {u"second"_s, u"59999"_s}}));
+    QCOMPARE(c.evidence.fingerprints(), before);
 }
 
 void extraction_test::a_failed_insert_loses_its_row_only()

@@ -47,3 +47,11 @@ QList<QStringList> extraction_case::rows(const QString &query) const
 {
     return result_rows(database(), query);
 }
+
+QStringList extraction_case::lines(const QString &query) const
+{
+    QStringList lines;
+    for (const QStringList &row : rows(query))
+        lines.append(row.join(u'|'));
+    return lines;
+}

@@ -38,6 +38,8 @@ public:
     QString plugin_folder() const;
     QString database() const;
     QList<QStringList> rows(const QString &query) const;
+    /// The same rows, each as one text with "|" between its columns.
+    QStringList lines(const QString &query) const;
 
 private:
     QString os_scheme_;

@@ -1,0 +1,67 @@
+#include "common/extraction/extension_manifest.h"
+
+#include "common/evidence_file.h"
+#include "common/text_values.h"
+
+#include <QFileInfo>
+
+using namespace Qt::StringLiterals;
+
+QString json_text(const QJsonValue &value)
+{
+    if (value.isDouble())
+        return value.toVariant().toString();
+    return not_null(value.toString());
+}
+
+QString json_flag(const QJsonValue &value)
+{
+    return value.isBool() ? yes_or_no(value.toBool()) : empty_text();
+}
+
+QString manifest_picture(const QJsonObject &manifest)
+{
+    const QJsonObject icons = manifest.value("icons"_L1).toObject();
+    int largest = -1;
+    QString picture;
+    for (auto icon = icons.begin(); icon != icons.end(); ++icon) {
+        const int size = icon.key().toInt();
+        if (size > largest && icon.value().isString()) {
+            largest = size;
+            picture = icon.value().toString();
+        }
+    }
+    if (!picture.isEmpty())
+        return picture;
+    return manifest.value("theme"_L1)
+        .toObject()
+        .value("images"_L1)
+        .toObject()
+        .value("theme_ntp_background"_L1)
+        .toString();
+}
+
+exported_picture export_extension_picture(const QString &folder, const QString &id,
+                                          const QJsonObject &manifest, const source_file &file,
+                                          const extraction_run &run)
+{
+    const QString picture = manifest_picture(manifest);
+    if (picture.isEmpty() || folder.isEmpty())
+        return {};
+    const QString source = folder + u'/' + picture;
+    if (!is_inside_folder(folder, run.source_root) || !is_inside_folder(source, folder) ||
+        !QFileInfo(source).isFile())
+        return {};
+
+    const QFileInfo resolved(QFileInfo(source).canonicalFilePath());
+    const QString root = QFileInfo(run.source_root).canonicalFilePath();
+    exported_picture exported;
+    exported.source_path = resolved.filePath().mid(root == "/"_L1 ? 0 : root.size());
+    const QString name =
+        safe_picture_name({file.system_user, id, json_text(manifest.value("version"_L1)),
+                           resolved.completeBaseName()},
+                          resolved.suffix().isEmpty() ? QString() : u'.' + resolved.suffix());
+    if (!name.isEmpty() && copy_picture(source, run.result_directory + u"Images/" + name))
+        exported.copy_path = u"./Images/"_s + name;
+    return exported;
+}

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "common/exported_pictures.h"
+#include "common/extraction/extraction_run.h"
+
+#include <QJsonObject>
+#include <QJsonValue>
+#include <QString>
+
+// What the extension readers of all systems take from an extension's manifest.
+
+/// Strings as they are, numbers in decimal, anything else empty.
+QString json_text(const QJsonValue &value);
+
+/// YES or NO of a boolean; empty when the record does not say.
+QString json_flag(const QJsonValue &value);
+
+/// The picture that stands for the extension, relative to its folder: the largest of its icons, or
+/// a theme's background. Empty when there is none.
+QString manifest_picture(const QJsonObject &manifest);
+
+/// Copies an extension's picture to "Images/" when it lies in the extension's own folder and that
+/// in the source; the paths are empty otherwise. The copy is named after the account, the
+/// extension, its version and the picture.
+exported_picture export_extension_picture(const QString &folder, const QString &id,
+                                          const QJsonObject &manifest, const source_file &file,
+                                          const extraction_run &run);

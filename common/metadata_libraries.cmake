@@ -1,0 +1,32 @@
+# The libraries that read metadata where the system itself does not. Without one of them its columns
+# stay empty.
+
+option(OPERA_WITH_LIBPLIST "Read property lists in extended attributes (needs libplist)" ON)
+option(OPERA_WITH_EXIV2 "Read the positions of pictures (needs exiv2)" ON)
+
+if(OPERA_WITH_LIBPLIST)
+    find_path(libplist_include_dir plist/plist.h)
+    find_library(libplist_library NAMES plist-2.0 plist)
+    if(libplist_include_dir AND libplist_library)
+        target_compile_definitions(opera_core PUBLIC OPERA_WITH_LIBPLIST)
+        target_include_directories(opera_core SYSTEM PRIVATE "${libplist_include_dir}")
+        target_link_libraries(opera_core PRIVATE "${libplist_library}")
+    else()
+        message(WARNING "libplist was not found: where-froms of files stay empty.")
+    endif()
+endif()
+
+if(OPERA_WITH_EXIV2)
+    find_package(exiv2 CONFIG QUIET GLOBAL)
+    if(TARGET Exiv2::exiv2lib)
+        set(exiv2_target Exiv2::exiv2lib)
+    elseif(TARGET exiv2lib)
+        set(exiv2_target exiv2lib)
+    endif()
+    if(exiv2_target)
+        target_compile_definitions(opera_core PUBLIC OPERA_WITH_EXIV2)
+        target_link_libraries(opera_core PRIVATE ${exiv2_target})
+    else()
+        message(WARNING "exiv2 was not found: positions of pictures stay empty.")
+    endif()
+endif()

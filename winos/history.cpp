@@ -1,0 +1,187 @@
+// History and search terms, from the "History" file.
+
+#include "common/plugin_static_function.h"
+#include "common/text_values.h"
+#include "common/time_values.h"
+#include "winos/opera_winos.h"
+#include "winos/winos_readers.h"
+
+#include <QCache>
+#include <QtSql/QSqlQuery>
+
+using namespace Qt::StringLiterals;
+
+namespace
+{
+
+/// Columns of the look-up in the table urls, and their places in source_row::derived.
+enum visit_value {
+    url,
+    title,
+    visit_count,
+    typed_count,
+    last_visit_time,
+    hidden,
+    local_path ///< of file URLs, not a column of the look-up
+};
+
+/// Whole part of a time or duration that may have been stored as a decimal fraction.
+QString whole_part(const QString &text)
+{
+    return text.contains(u'.') ? text.section(u'.', 0, 0).trimmed() : text;
+}
+
+QVariant visit_time(source_row &row, int column)
+{
+    if (const std::optional<qint64> number = whole_number(row.stored(column)); number >= 0)
+        return unix_seconds_of(row.stored(column));
+    const quint64 microseconds = whole_part(row.text(column)).toULongLong();
+    return plugin_static_function::convert_google_time_to_epoch(QString::number(microseconds));
+}
+
+/// Durations of 2^31 microseconds (36 minutes) and more count as zero: hosts rely on the limit.
+QVariant visit_duration(source_row &row, int column)
+{
+    const int microseconds = whole_part(row.text(column)).toInt();
+    return plugin_static_function::get_human_readable_time(
+        QString::number(microseconds / 1'000'000));
+}
+
+QString yes_no_or_stored(const QString &flag)
+{
+    if (flag == "1"_L1 || flag == "0"_L1)
+        return yes_or_no(flag == "1"_L1);
+    return flag;
+}
+
+} // namespace
+
+const database_reader winos_readers::history_url = {
+    .signature = "void opera_winos::extract_history_url()",
+    .starts = "[extract_history_url] starts",
+    .destination_failed = open_failure("[extract_history_url]Destination Db opening ---FAILED---"),
+    .source_failed = open_failure("[extract_history_url]Source Db opening ---FAILED---"),
+    .insert_failed = query_failure("[extract_history_url]insert query execution ---FAILED---"),
+    .ends = "[extract_history_url] -Ends",
+    .readings = {{
+        .select = "select url,visit_duration,visit_time from visits",
+        .select_failed =
+            query_failure("[extract_history_url] source query select from visits ---FAILED---"),
+        .insert = {.sql = "insert into history(bookmark, system_user,domain_user,urls,title,"
+                          "visit_count,typed_count,last_visit_date,source_file,url_text, "
+                          "preview_file_path,export_file_paths,visit_time,visit_duration,hidden, "
+                          "os_scheme_display,source_count_name) "
+                          "values(?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?)",
+                   .values = {untagged, system_user, domain_user,
+                              derived(url), // urls
+                              derived(title), derived(visit_count), derived(typed_count),
+                              derived(last_visit_time), // last_visit_date
+                              source_file_path,
+                              derived(local_path), // url_text
+                              derived(local_path), // preview_file_path
+                              derived(local_path), // export_file_paths
+                              from_row(visit_time, 2), from_row(visit_duration, 1), derived(hidden),
+                              os_scheme_display, source_count_name}},
+    }},
+    .look_ups = {{.select = "select url,title,visit_count,typed_count,last_visit_time,hidden "
+                            "from urls WHERE id=?",
+                  .failed = query_failure(
+                      "[extract_history_url]source query select from urls ---FAILED---"),
+                  .first_row_only = true}},
+    .searched_columns = {{"urls", "id"}},
+};
+
+const database_reader winos_readers::search_items = {
+    .signature = "void opera_winos::extract_search_items()",
+    .starts = "[extract_search_items] -Starts",
+    .destination_failed =
+        open_failure("[extract_search_items]Destination Db opening ---FAILED--- "),
+    .source_failed = {with_system_user("[extract_search_items]source Db opening ---FAILED--- for "
+                                       "system account--->>>"),
+                      with_path("[extract_search_items]source Db opening ---FAILED--- for file "
+                                "path--->>>"),
+                      error_text},
+    .insert_failed = query_failure("[extract_search_items] ----FAILED---- to execute query insert"),
+    .ends = "[extract_search_items] end.",
+    .readings = {{
+        .select = "select keyword_search_terms.term,urls.url from keyword_search_terms,urls where "
+                  "keyword_search_terms.url_id = urls.id ",
+        // Hosts know no line of its own for this failure; what the driver says must not be lost.
+        .select_failed = {error_text, executed_query},
+        .insert = {.sql = "insert into search_items(bookmark,system_user,domain_user,term,url, "
+                          "source_file, os_scheme_display,source_count_name) "
+                          "values(?,?,?,?,?,?,?,?)",
+                   .values = {untagged, system_user, domain_user,
+                              as_stored(0), // term
+                              as_stored(1), // url
+                              source_file_path, os_scheme_display, source_count_name}},
+    }},
+};
+
+QString opera_winos::file_url_to_unix_name(const QString &file_url) const
+{
+    plugin_static_function::app_debug(u"[file_url_to_unix_name] -Starts"_s,
+                                      u"QString opera_winos::file_url_to_unix_name(QString)"_s);
+    if (!file_url.contains("C:/"_L1))
+        return empty_text();
+    // The first ":/" ends the scheme, the second one the drive.
+    const qsizetype scheme = file_url.indexOf(":/"_L1);
+    const qsizetype drive = file_url.indexOf(":/"_L1, scheme + 2);
+    if (drive < 0)
+        return empty_text();
+    return state_.run.source_root + file_url.mid(drive + 2);
+}
+
+QString opera_winos::local_path_of(const QString &address) const
+{
+    if (!address.contains("file://"_L1))
+        return empty_text();
+    // Without the root, so that the value names a place in the evidence and not in the folder where
+    // it happened to be mounted.
+    return plugin_static_function::get_relative_file_path(
+        path_inside_source(file_url_to_unix_name(address), state_.run), state_.run.source_root,
+        state_.run.source_type);
+}
+
+/// A visit whose URL is missing or cannot be read keeps its time and duration.
+bool opera_winos::derive_visit(source_row &row) const
+{
+    row.derived.fill(QVariant(), local_path + 1);
+    const bool complete = row.look_up(0, row.stored(0), [&row](const QSqlQuery &urls) {
+        for (const int column : {url, title, visit_count, typed_count, last_visit_time, hidden})
+            row.derived[column] = urls.value(column).toString();
+    });
+    const QString address = decode_percent(row.derived.at(url).toString());
+    row.derived[url] = address;
+    row.derived[last_visit_time] = plugin_static_function::convert_google_time_to_epoch(
+        row.derived.at(last_visit_time).toString());
+    row.derived[hidden] = yes_no_or_stored(row.derived.at(hidden).toString());
+    row.derived[local_path] = local_path_of(address);
+    return complete && !row.interrupted();
+}
+
+void opera_winos::extract_history_url()
+{
+    // Pages are visited again and again within a short time.
+    constexpr qsizetype most_pages = 1'000;
+    QCache<qint64, QVariantList> pages(most_pages);
+    QString file;
+    read_databases(winos_readers::history_url, found_.history, state_.run, [&](database_row &row) {
+        if (row.file().path != file) {
+            file = row.file().path;
+            pages.clear();
+        }
+        const std::optional<qint64> id = whole_number(row.stored(0));
+        const QVariantList *known = id ? pages.object(*id) : nullptr;
+        if (known != nullptr)
+            row.derived = *known;
+        else if (derive_visit(row) && id)
+            pages.insert(*id, new QVariantList(row.derived));
+        return true;
+    });
+}
+
+void opera_winos::extract_search_items()
+{
+    read_databases(winos_readers::search_items, found_.search_history, state_.run);
+}
