@@ -1,7 +1,7 @@
 #include "fuzz/fuzz_case.h"
 
 #include "macos/opera_macos.h"
-#include "tests/macos/host_tables.h"
+#include "tests/support/host_tables.h"
 
 #include <QApplication>
 #include <QDir>

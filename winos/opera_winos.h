@@ -120,6 +120,11 @@ public:
     /// Table extensions: one row per installed version; icons are copied to "Images/".
     void extract_extensions();
 
+    /// Tables favicon and thumbnails, which only the host creates; the pictures become files in
+    /// "Images/". No driver calls them.
+    void extract_favicons();
+    void extract_thumbnails();
+
 Q_SIGNALS:
     void signal_extracted_records_of_plugin_winos(qint64 records);
     void signal_total_tabs_processed_winos(int tables);

@@ -16,5 +16,7 @@ extern const database_reader autofill;
 extern const database_reader autofill_profiles;
 extern const database_reader credit_cards;
 extern const database_reader topsites;
+extern const database_reader favicons;
+extern const database_reader thumbnails;
 
 } // namespace winos_readers

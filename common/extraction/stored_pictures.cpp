@@ -17,18 +17,6 @@ namespace
 
 enum icon_column { bitmap_icon_id, last_updated, icon_image, width, height };
 enum thumbnail_column { page_url, last_used, page_image };
-enum thumbnail_value {
-    actual_path,
-    relative_path,
-    file_name,
-    file_size,
-    date_created,
-    hash_md5,
-    hash_sha1,
-    attribute_document,
-    attribute_values
-};
-
 constexpr QLatin1StringView pictures_folder = "Images/"_L1;
 
 void report(const logged_failure &failure, const failure_details &details)

@@ -56,6 +56,19 @@ QStringList find_icon_pages(QSqlQuery &query, const QString &icon_id, const logg
 
 // ---- Thumbnails ---------------------------------------------------------------------------------
 
+/// Places in source_row::derived that the thumbnail's INSERT reads.
+enum thumbnail_value {
+    actual_path,
+    relative_path,
+    file_name,
+    file_size,
+    date_created,
+    hash_md5,
+    hash_sha1,
+    attribute_document,
+    attribute_values
+};
+
 /// Reads all thumbnails into table thumbnails; the values of each come from thumbnail_values().
 source_reading thumbnail_reading(failure_lines select_failed);
 

@@ -1,5 +1,5 @@
 #include "common/extraction/stored_pictures.h"
-#include "tests/macos/host_tables.h"
+#include "tests/support/host_tables.h"
 
 #include <QDir>
 #include <QFile>

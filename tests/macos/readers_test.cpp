@@ -1,6 +1,6 @@
 #include "macos/macos_readers.h"
-#include "tests/macos/host_tables.h"
 #include "tests/support/check_readers.h"
+#include "tests/support/host_tables.h"
 
 #include <QFile>
 #include <QTest>

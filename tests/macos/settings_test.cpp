@@ -1,4 +1,4 @@
-#include "tests/macos/host_tables.h"
+#include "tests/support/host_tables.h"
 
 #include <QTest>
 

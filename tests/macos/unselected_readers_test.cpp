@@ -1,7 +1,7 @@
 #include "macos/macos_readers.h"
 #include "sample/sample_evidence.h"
-#include "tests/macos/host_tables.h"
 #include "tests/support/check_readers.h"
+#include "tests/support/host_tables.h"
 
 #include <QFile>
 #include <QMap>

@@ -1,5 +1,5 @@
 #include "tests/support/check_readers.h"
-#include "tests/support/extraction_case.h"
+#include "tests/support/host_tables.h"
 #include "winos/opera_winos.h"
 #include "winos/winos_readers.h"
 
@@ -35,10 +35,13 @@ private Q_SLOTS:
 void winos_discovery_test::every_descriptor_fits_the_schema()
 {
     using namespace winos_readers;
-    QCOMPARE(
-        faults_of_readers({&history_url, &history_download, &search_items, &cookies, &login_data,
-                           &autofill, &autofill_profiles, &credit_cards, &topsites}),
-        QStringList());
+    QByteArray tables = host_tables;
+    tables.replace("system_user,", "system_user, domain_user,");
+    QCOMPARE(faults_of_readers({&history_url, &history_download, &search_items, &cookies,
+                                &login_data, &autofill, &autofill_profiles, &credit_cards,
+                                &topsites, &favicons, &thumbnails},
+                               tables),
+             QStringList());
 }
 
 void winos_discovery_test::found_files_are_logged_in_order()

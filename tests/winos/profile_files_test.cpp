@@ -1,5 +1,6 @@
 // Bookmarks, top sites, sessions and extensions.
 
+#include "common/plugin_static_function.h"
 #include "tests/support/extraction_case.h"
 #include "winos/opera_winos.h"
 
@@ -33,6 +34,7 @@ private Q_SLOTS:
     void manifests();
     void extension_pictures_stay_in_their_folder();
     void extensions_that_are_a_file();
+    void pictures();
 };
 
 void winos_profile_files_test::bookmark_lines()
@@ -254,6 +256,47 @@ void winos_profile_files_test::extensions_that_are_a_file()
     QVERIFY(run.rows(u"select 1 from extensions"_s).isEmpty());
     QCOMPARE(run.log.messages_of(u"opera_winos::extract_extensions"_s).last(),
              u"[extract_extensions] -Ends"_s);
+}
+
+void winos_profile_files_test::pictures()
+{
+    extraction_case run(u"winOS"_s);
+    run.accounts = {{u"ada"_s, u"CORP"_s}};
+    run.evidence.sqlite(profile + u"Favicons"_s,
+                        "create table favicon_bitmaps(icon_id, last_updated, image_data, width, "
+                        "height); create table favicons(id integer, url); "
+                        "create table icon_mapping(icon_id integer, page_url);"
+                        "insert into favicon_bitmaps values(4,13312345678901234,'png',16,17),"
+                        "('../4',0,'png',16,17);"
+                        "insert into favicons values(4,'https://a/i.ico');"
+                        "insert into icon_mapping values(4,'https://a/'),(4,'https://b/')");
+    run.evidence.sqlite(profile + u"thumbnails.db"_s,
+                        "create table thumbnails(url, last_used, image_data);"
+                        "insert into thumbnails values('https://a/%41',13312345678901234,'png')");
+    run.prepare({});
+    plugin_static_function::execute_db_command_by_dbpath(
+        u"create table favicon(bookmark, system_user, domain_user, id VARCHAR, icon_url, "
+        "last_updated INTEGER, relative_path, width, height, fav_urls, source_file, "
+        "os_scheme_display, source_count_name)"_s,
+        run.database(), u""_s);
+    run.find();
+    run.extract(); // hands the extractor what it copies files with
+    auto &extractor = *run.controller.findChild<opera_winos *>();
+    extractor.extract_favicons();
+    QCOMPARE(run.lines(u"select domain_user, id, icon_url, last_updated, relative_path, width, "
+                       "height, fav_urls, source_file from favicon"_s),
+             QStringList({u"CORP|4|https://a/i.ico|1667872078|./Images/4_ada.png|16|17|https://a/;;"
+                          "https://b/|/"_s +
+                              profile + u"Favicons",
+                          u"CORP|../4||||16|17||/"_s + profile + u"Favicons"}));
+
+    // The host has not created this table.
+    run.log.clear();
+    extractor.extract_thumbnails();
+    const QStringList lines = run.log.messages_of(u"opera_winos::extract_thumbnails"_s);
+    QCOMPARE(lines.size(), 5);
+    QCOMPARE(lines.at(1), u"[extract_thumbnails]insert query execution ---FAILED---"_s);
+    QVERIFY(QFileInfo::exists(run.plugin_folder() + u"Images/1.png"));
 }
 
 QTEST_MAIN(winos_profile_files_test)
