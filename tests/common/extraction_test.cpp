@@ -85,6 +85,9 @@ private Q_SLOTS:
     void progress_is_signalled_once_a_second();
     void cancelling_keeps_the_rows_so_far();
     void a_damaged_page_is_not_taken_for_the_end();
+    void schemas_that_compute_data();
+    void schemas_that_compute();
+    void rows_without_end();
     void look_ups_of_a_large_file_without_index();
     void a_failed_insert_loses_its_row_only();
     void a_locked_result_database_is_waited_for_once();
@@ -167,6 +170,56 @@ void extraction_test::a_damaged_page_is_not_taken_for_the_end()
     QVERIFY(c.run.records() < 200);
     QVERIFY(
         c.log.has(u"[extract] rows of the source end early ---------FAILED----------"_s + path));
+}
+
+void extraction_test::schemas_that_compute_data()
+{
+    QTest::addColumn<QByteArray>("table");
+    QTest::newRow("view without end")
+        << QByteArray("create view t as with recursive c(a) as (select 1 union all select a + 1 "
+                      "from c) select count(*) as a from c;");
+    QTest::newRow("view with a quote in its name")
+        << QByteArray("create view \"v\"\"w\" as select 1; create view t as select 1 as a;");
+    QTest::newRow("computed column")
+        << QByteArray("create table t(b, a text as (hex(zeroblob(100000000))));"
+                      "insert into t(b) values(1);");
+    QTest::newRow("virtual table") << QByteArray("create virtual table t using fts5(a);");
+}
+
+void extraction_test::schemas_that_compute()
+{
+    QFETCH(QByteArray, table);
+    frame_case c;
+    read_databases(reader, {c.add(u"f"_s, table)}, c.run);
+    QCOMPARE(c.values(), u""_s);
+    QCOMPARE(c.log.messages(),
+             QStringList({u"starts"_s, u"first failed"_s, u"second failed"_s, u"ends"_s}));
+}
+
+void extraction_test::rows_without_end()
+{
+    static const database_reader crossing = {
+        .signature = "int tests::cross()",
+        .starts = "starts",
+        .destination_failed = {},
+        .source_failed = {},
+        .insert_failed = {},
+        .ends = "ends",
+        .readings = {{.select = "select x.a from t as x, t as y",
+                      .select_failed = {},
+                      .insert = {.sql = "insert into r(a) values(?)", .values = {as_stored(0)}}}},
+    };
+    frame_case c;
+    const QString path = c.add(u"f"_s, "create table t(a integer);"
+                                       "with recursive n(i) as (select 1 union all select i+1 "
+                                       "from n where i<1000) insert into t select i from n;");
+    read_databases(crossing, {path}, c.run);
+    QCOMPARE(c.run.records(), QFileInfo(path).size());
+    QCOMPARE(
+        c.log.messages().mid(1, 2),
+        QStringList({u"[cross] rows of the source end early ---------FAILED----------"_s + path,
+                     u"more rows than a file of this size can hold"_s}));
+    QCOMPARE(c.log.messages().last(), u"ends"_s);
 }
 
 void extraction_test::look_ups_of_a_large_file_without_index()
