@@ -24,15 +24,13 @@ PAIRS = 5
 
 ROW_STEPS = {"quick": (10_000, 100_000), "full": (100_000, 1_000_000)}
 FILE_STEPS = {"quick": (1_000, 10_000), "full": (10_000, 100_000)}
-# The look-ups of an address go over a table that has no index.
-ADDRESS_STEPS = {"quick": (1_000, 2_000), "full": (1_000, 10_000)}
 # What one file holds; sizes in nodes and in KB.
 NODE_STEPS = {"quick": (10_000, 100_000), "full": (10_000, 100_000)}
 SESSION_STEPS = {"quick": (1_000, 10_000), "full": (1_000, 10_000, 100_000)}
 ALONE = [
     (ROW_STEPS, Reader("macOS search terms", "macOS", "search_terms", 10, "search_items")),
     (ROW_STEPS, Reader("macOS form entries", "macOS", "form_entries", 50, "autofill")),
-    (ADDRESS_STEPS, Reader("macOS addresses", "macOS", "addresses", 5, "autofill_profiles")),
+    (FILE_STEPS, Reader("macOS addresses", "macOS", "addresses", 5, "autofill_profiles")),
     (ROW_STEPS, Reader("macOS cards", "macOS", "cards", 5, "credits_cards")),
     (ROW_STEPS, Reader("macOS logins", "macOS", "logins", 10, "logins")),
     (ROW_STEPS, Reader("macOS top sites", "macOS", "top_sites", 20, "topsites")),

@@ -3,6 +3,8 @@
 #include "common/evidence_file.h"
 #include "common/plugin_static_function.h"
 
+#include <QFileInfo>
+
 using namespace Qt::StringLiterals;
 
 plugin_helper_functions::plugin_helper_functions(QWidget *parent) : QWidget(parent)
@@ -59,7 +61,13 @@ QString plugin_helper_functions::adhoc_copy(const QString &source_path,
         // SQLite makes companions as plain files beside the database. A link there was put by
         // somebody else, and could lead to a file outside the evidence.
         QFile::remove(copy + suffix);
-        copy_evidence_file(source + suffix, copy + suffix, evidence_file::links::refused);
+        if (!copy_evidence_file(source + suffix, copy + suffix, evidence_file::links::refused) &&
+            (QFileInfo::exists(source + suffix) || QFileInfo(source + suffix).isSymLink()))
+            // Without a line, nobody would know that the latest rows are missing.
+            plugin_static_function::app_debug(
+                u" companion file is not copied, its rows are missing -----FAILED----- "_s +
+                    source + suffix,
+                signature);
     }
     return copy;
 }

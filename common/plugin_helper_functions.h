@@ -23,7 +23,8 @@ public:
 
     /// Copies a database with its "-wal" and "-shm" companions under a free name and returns the
     /// copy's path; empty for a blank path. A failed copy is not reported: the path then names no
-    /// file, and opening it fails.
+    /// file, and opening it fails. A companion that is there and could not be copied, or that is
+    /// a link, is logged: the copy then lacks the latest rows.
     QString get_adhoc_path_for_database(const QString &source_path);
     /// The same for a file without companions.
     QString get_adhoc_path_for_regular_file(const QString &source_path);

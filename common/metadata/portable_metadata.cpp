@@ -38,7 +38,7 @@ QString printed_last_use(const QByteArray &attribute)
     const auto seconds = qFromLittleEndian<qint64>(attribute.constData());
     // Beyond these years, milliseconds would not fit the date's 64 bits.
     constexpr qint64 seconds_of_10000_years = 316'000'000'000;
-    if (seconds == 0 || std::abs(seconds) > seconds_of_10000_years)
+    if (seconds == 0 || seconds < -seconds_of_10000_years || seconds > seconds_of_10000_years)
         return {};
     return printed_date(QDateTime::fromSecsSinceEpoch(seconds, Qt::UTC));
 }

@@ -106,6 +106,7 @@ void file_paths_test::private_copies()
     evidence.file(u"a/History"_s, "first");
     evidence.file(u"a/History-wal"_s, "wal");
     evidence.file(u"b/History"_s, "second");
+    QVERIFY(QFile::link(evidence.path(u"a/History-wal"_s), evidence.path(u"b/History-wal"_s)));
     QTemporaryDir directory;
     const QString parent = directory.path() + u"/tmp/"_s;
     plugin_helper_functions helper;
@@ -114,8 +115,12 @@ void file_paths_test::private_copies()
     QCOMPARE(helper.get_adhoc_path_for_database(u"  "_s), QString());
     QCOMPARE(helper.get_adhoc_path_for_database(evidence.path(u"a/History"_s)),
              parent + u"History"_s);
-    QCOMPARE(helper.get_adhoc_path_for_database(evidence.path(u"b/History"_s)),
-             parent + u"1_History"_s);
+    {
+        recording_log log;
+        QCOMPARE(helper.get_adhoc_path_for_database(evidence.path(u"b/History"_s)),
+                 parent + u"1_History"_s);
+        QCOMPARE(log.messages().filter(u"not copied"_s).size(), 1);
+    }
     QCOMPARE(helper.get_adhoc_path_for_regular_file(evidence.path(u"a/History"_s)),
              parent + u"2_History"_s);
     QCOMPARE(helper.get_adhoc_path_for_database(evidence.path(u"gone"_s)), parent + u"gone"_s);
