@@ -54,6 +54,8 @@ class Bench:
              "--accounts", "1", "--generation", "current", "--only", reader.part,
              "--scale", str(max(2, size // reader.per_scale))],
             check=True)
+        self.megabytes = sum(path.stat().st_size for path in self.evidence.rglob("*")
+                             if path.is_file()) / 1e6
         users = [user.name for user in (self.evidence / "Users").iterdir()]
         self.user = next(user for user in users if user not in ("Shared", "Public"))
 
@@ -111,7 +113,8 @@ def measure_alone(bench: Bench, reader: Reader, size: int) -> dict:
     run = bench.run_plugin(reader)
     if run.rows == 0:
         raise SystemExit(f"{reader.name}: no rows")
-    return {"reader": reader.name, "size": size, "unit": reader.unit, "rows": run.rows,
+    return {"reader": reader.name, "size": size, "unit": reader.unit,
+            "megabytes": bench.megabytes, "rows": run.rows,
             "plugin_seconds": run.seconds, "plugin_processor_seconds": run.processor_seconds,
             "plugin_inner_seconds": run.inner_seconds,
             "plugin_mebibytes": run.mebibytes}
@@ -127,7 +130,8 @@ def measure_paired(bench: Bench, reader: Reader, size: int, pairs: int) -> dict:
     ours, theirs = zip(*runs)
     ratios = [one.seconds / other.seconds for one, other in runs]
     processor_ratios = [one.processor_seconds / other.processor_seconds for one, other in runs]
-    return {"reader": reader.name, "size": size, "unit": reader.unit, "rows": ours[0].rows,
+    return {"reader": reader.name, "size": size, "unit": reader.unit,
+            "megabytes": bench.megabytes, "rows": ours[0].rows,
             "plugin_seconds": statistics.median(run.seconds for run in ours),
             "plugin_inner_seconds": statistics.median(run.inner_seconds for run in ours),
             "plugin_processor_seconds": statistics.median(run.processor_seconds for run in ours),

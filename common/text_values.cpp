@@ -9,8 +9,11 @@ QString yes_or_no(bool yes)
 
 QString decode_percent(const QString &text)
 {
-    if (!text.contains(u'%'))
-        return text;
+    return text.contains(u'%') ? decode_percent(text.toUtf8()) : text;
+}
+
+QString decode_percent(const QByteArray &encoded)
+{
     // Unlike the library's decoder this leaves a "%" alone that no two hexadecimal digits follow.
     const auto digit = [](char c) {
         if (c >= '0' && c <= '9')
@@ -18,7 +21,6 @@ QString decode_percent(const QString &text)
         const char lower = static_cast<char>(c | 0x20);
         return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
     };
-    const QByteArray encoded = text.toUtf8();
     QByteArray decoded;
     decoded.reserve(encoded.size());
     for (qsizetype i = 0; i < encoded.size(); ++i) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 #include <QStringView>
 
@@ -43,6 +44,7 @@ inline std::optional<QChar> leading_unicode_escape(QStringView text)
 /// Every "%" and two hexadecimal digits replaced by the byte they name, read as UTF-8. A "%" that
 /// no two hexadecimal digits follow stays.
 QString decode_percent(const QString &text);
+QString decode_percent(const QByteArray &encoded);
 
 /// "YES" or "NO".
 QString yes_or_no(bool yes);

@@ -16,41 +16,35 @@ namespace
 /// Places in source_row::derived.
 enum profile_value { full_name, last_name, middle_name, email, phone };
 
-void report(const char *text, const QString &signature, const QSqlQuery &query)
-{
-    log_failure(query_failure(text), signature,
-                {.error = query.lastError().text(), .query = query.lastQuery()});
-}
-
-/// Prepares the query for the statement unless it is so already: one query then serves all rows.
-bool look_up_by_guid(QSqlQuery &query, const QString &sql, const QString &guid)
-{
-    query.setForwardOnly(true);
-    if (query.lastQuery() != sql && !query.prepare(sql))
-        return false;
-    query.bindValue(0, guid);
-    return query.exec();
-}
-
-QString first_value(QSqlQuery &query)
-{
-    const QString value = query.next() ? query.value(0).toString() : QString();
-    query.finish();
-    return not_null(value);
-}
-
-QString joined_rows(QSqlQuery &query)
-{
-    QStringList values;
-    while (query.next())
-        values.append(query.value(0).toString());
-    return not_null(values.join(u"; "_s));
-}
+const QString emails = u"select email from autofill_profile_emails where guid = ?"_s;
+const QString phones = u"select number from autofill_profile_phones where guid = ?"_s;
 
 QString joined_names(QStringList names)
 {
     names.removeAll(QString());
     return not_null(names.join(u' '));
+}
+
+/// Takes the first value of every row.
+auto joining(QStringList &values)
+{
+    return [&values](const QSqlQuery &row) {
+        values.append(row.value(0).toString());
+        return true;
+    };
+}
+
+/// The first value of the profile's first row.
+QString first_row(QSqlQuery &query, const QString &select, const QString &guid, extraction_run &run,
+                  const char *failed, const QString &signature)
+{
+    QString value = empty_text();
+    look_up_rows(query, select, guid, run, query_failure(failed), signature,
+                 [&value](const QSqlQuery &row) {
+                     value = not_null(row.value(0).toString());
+                     return false;
+                 });
+    return value;
 }
 
 /// The table has no column for a first name of its own, and names fullname twice. Both receive the
@@ -184,65 +178,60 @@ const database_reader macos_readers::autofill_profiles = {
 struct_autofill_names opera_macos::get_name_for_autofill_profiles(const QString &guid,
                                                                   QSqlQuery &query)
 {
-    if (!look_up_by_guid(query,
-                         u"select first_name,middle_name,last_name,full_name from "
-                         "autofill_profile_names where guid = ?"_s,
-                         guid)) {
-        report("[get_name_for_autofill_profiles]-----FAILED------ to execute query "
-               "query_source_web_data",
-               u"struct_autofill_names opera_macos::get_name_for_autofill_profiles(QString, "
-               "QSqlQuery)"_s,
-               query);
-        return {};
-    }
     struct_autofill_names names;
-    if (query.next())
-        names = {query.value(0).toString(), query.value(1).toString(), query.value(2).toString(),
-                 query.value(3).toString()};
-    query.finish();
+    look_up_rows(query,
+                 u"select first_name,middle_name,last_name,full_name from autofill_profile_names "
+                 "where guid = ?"_s,
+                 guid, state_.run,
+                 query_failure("[get_name_for_autofill_profiles]-----FAILED------ to execute query "
+                               "query_source_web_data"),
+                 u"struct_autofill_names opera_macos::get_name_for_autofill_profiles(QString, "
+                 "QSqlQuery)"_s,
+                 [&names](const QSqlQuery &row) {
+                     names = {row.value(0).toString(), row.value(1).toString(),
+                              row.value(2).toString(), row.value(3).toString()};
+                     return false;
+                 });
     return names;
 }
 
 QString opera_macos::get_email_for_autofill_profiles(const QString &guid, QSqlQuery &query)
 {
-    if (look_up_by_guid(query, u"select email from autofill_profile_emails where guid = ?"_s, guid))
-        return first_value(query);
-    report("[get_email_for_autofill_profiles]-----FAILED------ to execute query "
-           "query_source_web_data",
-           u"QString opera_macos::get_email_for_autofill_profiles(QString, QSqlQuery)"_s, query);
-    return empty_text();
+    return first_row(query, emails, guid, state_.run,
+                     "[get_email_for_autofill_profiles]-----FAILED------ to execute query "
+                     "query_source_web_data",
+                     u"QString opera_macos::get_email_for_autofill_profiles(QString, "
+                     "QSqlQuery)"_s);
 }
 
 QString opera_macos::get_phone_for_autofill_profiles(const QString &guid, QSqlQuery &query)
 {
-    if (look_up_by_guid(query, u"select number from autofill_profile_phones where guid = ?"_s,
-                        guid))
-        return first_value(query);
-    report("[get_phone_for_autofill_profiles]-----FAILED------ to execute query "
-           "query_source_web_data",
-           u"QString opera_macos::get_phone_for_autofill_profiles(QString, QSqlQuery)"_s, query);
-    return empty_text();
+    return first_row(query, phones, guid, state_.run,
+                     "[get_phone_for_autofill_profiles]-----FAILED------ to execute query "
+                     "query_source_web_data",
+                     u"QString opera_macos::get_phone_for_autofill_profiles(QString, "
+                     "QSqlQuery)"_s);
 }
 
 QString opera_macos::get_name_for_autofill_profiles(const QSqlDatabase &source, const QString &guid,
                                                     const QString &caller)
 {
     QSqlQuery query(source);
-    if (!look_up_by_guid(query,
-                         u"select first_name,middle_name,last_name,date_of_birth,gender from "
-                         "autofill_profile_names where guid = ?"_s,
-                         guid)) {
-        report("[get_name_for_autofill_profiles]--------FAILED------- to execute query", caller,
-               query);
-        return empty_text();
-    }
     QString text = empty_text();
-    while (query.next())
-        text += u"Name: " +
-                joined_names({query.value(0).toString(), query.value(1).toString(),
-                              query.value(2).toString()}) +
-                u";Date of Birth: " + query.value(3).toString() + u";Gender: " +
-                query.value(4).toString() + u";; ";
+    look_up_rows(query,
+                 u"select first_name,middle_name,last_name,date_of_birth,gender from "
+                 "autofill_profile_names where guid = ?"_s,
+                 guid, state_.run,
+                 query_failure("[get_name_for_autofill_profiles]--------FAILED------- to execute "
+                               "query"),
+                 caller, [&text](const QSqlQuery &row) {
+                     text += u"Name: " +
+                             joined_names({row.value(0).toString(), row.value(1).toString(),
+                                           row.value(2).toString()}) +
+                             u";Date of Birth: " + row.value(3).toString() + u";Gender: " +
+                             row.value(4).toString() + u";; ";
+                     return true;
+                 });
     return text;
 }
 
@@ -250,11 +239,12 @@ QString opera_macos::get_email_for_autofill_profiles(const QSqlDatabase &source,
                                                      const QString &guid, const QString &caller)
 {
     QSqlQuery query(source);
-    if (look_up_by_guid(query, u"select email from autofill_profile_emails where guid = ?"_s, guid))
-        return joined_rows(query);
-    report("[get_email_for_autofill_profiles]--------FAILED------- ---to execute query ", caller,
-           query);
-    return empty_text();
+    QStringList values;
+    look_up_rows(query, emails, guid, state_.run,
+                 query_failure("[get_email_for_autofill_profiles]--------FAILED------- ---to "
+                               "execute query "),
+                 caller, joining(values));
+    return not_null(values.join(u"; "_s));
 }
 
 QString opera_macos::get_phone_for_autofill_profiles(const QSqlDatabase &source,
@@ -266,21 +256,23 @@ QString opera_macos::get_phone_for_autofill_profiles(const QSqlDatabase &source,
     // and the profile is written without its phone numbers.
     const QString sql =
         pasted_statement("select number from autofill_profile_phones where guid = ", guid);
-    if (!sql.isEmpty() && query.exec(sql))
-        return joined_rows(query);
-    log_failure(query_failure(
-                    "[get_phone_for_autofill_profiles]--------FAILED------- *****to execute query "
-                    "query_source_phone"),
-                caller,
-                {.error = sql.isEmpty() ? unsafe_key_error() : query.lastError().text(),
-                 .query = query.lastQuery()});
-    return empty_text();
+    QStringList values;
+    QString error = unsafe_key_error();
+    if (!sql.isEmpty())
+        error = query.exec(sql) ? for_each_found_row(query, 1, state_.run, joining(values))
+                                : query.lastError().text();
+    if (!error.isEmpty())
+        log_failure(query_failure("[get_phone_for_autofill_profiles]--------FAILED------- "
+                                  "*****to execute query query_source_phone"),
+                    caller, {.error = error, .query = query.lastQuery()});
+    return not_null(values.join(u"; "_s));
 }
 
 int opera_macos::extract_webdata_autofill_profiles_11()
 {
     return read_databases(
-        macos_readers::autofill_profiles_11, found_.web_data_11, state_.run, [](database_row &row) {
+        macos_readers::autofill_profiles_11, found_.web_data_11, state_.run,
+        [this](database_row &row) {
             const QString guid = row.text(0);
             const struct_autofill_names name =
                 get_name_for_autofill_profiles(guid, row.helper_query(0));
@@ -297,14 +289,13 @@ int opera_macos::extract_webdata_autofill_profiles_11()
 void opera_macos::extract_webdata_autofill_profiles()
 {
     const QString signature = QString::fromUtf8(macos_readers::autofill_profiles.signature);
-    read_databases(macos_readers::autofill_profiles, found_.web_data, state_.run,
-                   [&signature](database_row &row) {
-                       const QSqlDatabase source = row.source();
-                       const QString guid = row.text(0);
-                       row.derived = {get_name_for_autofill_profiles(source, guid, signature),
-                                      empty_text(), empty_text(),
-                                      get_email_for_autofill_profiles(source, guid, signature),
-                                      get_phone_for_autofill_profiles(source, guid, signature)};
-                       return true;
-                   });
+    read_databases(
+        macos_readers::autofill_profiles, found_.web_data, state_.run, [&](database_row &row) {
+            const QSqlDatabase source = row.source();
+            const QString guid = row.text(0);
+            row.derived = {get_name_for_autofill_profiles(source, guid, signature), empty_text(),
+                           empty_text(), get_email_for_autofill_profiles(source, guid, signature),
+                           get_phone_for_autofill_profiles(source, guid, signature)};
+            return true;
+        });
 }

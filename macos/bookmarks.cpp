@@ -179,8 +179,15 @@ void opera_macos::read_bookmark_roots(const record_reader &reader, const QString
                 QString::fromUtf8(reader.signature));
             return reading_end::at_once;
         }
-        const QJsonObject top = QJsonDocument::fromJson(file.readAll()).object();
+        QJsonParseError error;
+        const QJsonObject top = QJsonDocument::fromJson(file.readAll(), &error).object();
         file.close();
+        if (error.error != QJsonParseError::NoError)
+            // Without a line, a damaged file would look like one without bookmarks.
+            log_failure(
+                {with_path("[extract_11_bookmarks] source file parsing ---FAILED--- "), error_text},
+                QString::fromUtf8(reader.signature),
+                {.path = sink.file().path, .error = error.errorString()});
         walk_roots(top.value("roots"_L1).toObject(), sink);
         return reading_end::next_file;
     });

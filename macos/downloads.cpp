@@ -229,7 +229,7 @@ QString opera_macos::get_name_for_downloads(const QString &path)
     return not_null(path.section(u'/', -1));
 }
 
-void opera_macos::derive_download(source_row &row) const
+void opera_macos::derive_download(source_row &row)
 {
     using common = plugin_static_function;
     const extraction_run &run = row.run();
@@ -251,8 +251,7 @@ void opera_macos::derive_download(source_row &row) const
     set(name, get_name_for_downloads(inside));
     set(file_extension, common::mining_suffix(inside));
     set(file_existence, yes_or_no(exists));
-    set(file_size,
-        exists ? common::mining_size(QFileInfo(complete).canonicalFilePath()) : empty_text());
+    set(file_size, exists ? size_in_source(complete, state_.run) : empty_text());
     set(path_in_source, common::get_relative_file_path(inside, run.source_root, run.source_type));
     set(date_added, file.birth_time);
     set(content_creation_date, file.content_creation_date);

@@ -111,7 +111,8 @@ void opera_macos::extract_extensions(const QString &source_path)
                 extension_folder(json_text(extension.value("path"_L1)),
                                  QFileInfo(sink.file().path).path(), state_.run.source_root);
             const exported_picture picture =
-                export_extension_picture(folder, entry.key(), manifest, sink.file(), state_.run);
+                export_extension_picture(folder, entry.key(), manifest, sink.file(), state_.run,
+                                         QString::fromUtf8(extensions_reader.signature));
             if (!sink.write({json_text(manifest.value("name"_L1)),
                              json_text(manifest.value("description"_L1)),
                              json_text(manifest.value("version"_L1)),

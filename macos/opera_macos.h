@@ -118,18 +118,17 @@ public:
 
     /// Look-ups of the current profiles reader, on a query of the source: the first row of the
     /// profile, empty texts without one. A failure is logged. The query is prepared when it is not.
-    static struct_autofill_names get_name_for_autofill_profiles(const QString &guid,
-                                                                QSqlQuery &query);
-    static QString get_email_for_autofill_profiles(const QString &guid, QSqlQuery &query);
-    static QString get_phone_for_autofill_profiles(const QString &guid, QSqlQuery &query);
+    struct_autofill_names get_name_for_autofill_profiles(const QString &guid, QSqlQuery &query);
+    QString get_email_for_autofill_profiles(const QString &guid, QSqlQuery &query);
+    QString get_phone_for_autofill_profiles(const QString &guid, QSqlQuery &query);
     /// Look-ups of the older profiles reader: all rows of the profile, joined. A failure is logged
     /// under the caller's signature.
-    static QString get_name_for_autofill_profiles(const QSqlDatabase &source, const QString &guid,
-                                                  const QString &caller);
-    static QString get_email_for_autofill_profiles(const QSqlDatabase &source, const QString &guid,
-                                                   const QString &caller);
-    static QString get_phone_for_autofill_profiles(const QSqlDatabase &source, const QString &guid,
-                                                   const QString &caller);
+    QString get_name_for_autofill_profiles(const QSqlDatabase &source, const QString &guid,
+                                           const QString &caller);
+    QString get_email_for_autofill_profiles(const QSqlDatabase &source, const QString &guid,
+                                            const QString &caller);
+    QString get_phone_for_autofill_profiles(const QSqlDatabase &source, const QString &guid,
+                                            const QString &caller);
 
     /// Table bookmarks, from the JSON of one "Bookmarks" file.
     void extract_11_bookmarks(const QString &source_path);
@@ -176,8 +175,8 @@ public:
     void extract_favicons_11();
     /// Look-ups of the icons' reader, on a query of the source: the icon's own address, and every
     /// page that shows it. A failure is logged. The query is prepared when it is not.
-    static QString get_icon_url(QSqlQuery &query, const QString &icon_id);
-    static QStringList get_fav_urls(QSqlQuery &query, const QString &icon_id);
+    QString get_icon_url(QSqlQuery &query, const QString &icon_id);
+    QStringList get_fav_urls(QSqlQuery &query, const QString &icon_id);
     /// Table thumbnails; the pictures become files in "Images/", numbered anew for every source
     /// file, so that a later file's pictures replace an earlier one's.
     void extract_thumbnails();
@@ -233,7 +232,7 @@ private:
     file_description describe_file(const QString &path) const;
     QString torrent_names_of(const QString &path) const;
     /// Puts the values of a download that depend on the downloaded file into the row.
-    void derive_download(source_row &row) const;
+    void derive_download(source_row &row);
     bool read_cache_folder(record_sink &sink);
 
     /// Where the entries of a walk go.

@@ -61,14 +61,14 @@ const database_reader macos_readers::thumbnails = {
 QString opera_macos::get_icon_url(QSqlQuery &query, const QString &icon_id)
 {
     return find_icon_url(
-        query, icon_id,
+        query, icon_id, state_.run,
         {"QString opera_macos::get_icon_url(QSqlQuery, QString)", icon_look_up_failed});
 }
 
 QStringList opera_macos::get_fav_urls(QSqlQuery &query, const QString &icon_id)
 {
     return find_icon_pages(
-        query, icon_id,
+        query, icon_id, state_.run,
         {"QStringList opera_macos::get_fav_urls(QSqlQuery, QString)", icon_look_up_failed});
 }
 
@@ -80,7 +80,7 @@ struct_thumbnail_info opera_macos::get_thumbnail_image(const QByteArray &image_d
 
 void opera_macos::extract_favicons_11()
 {
-    read_databases(macos_readers::favicons_11, found_.favicons, state_.run, [](database_row &row) {
+    read_databases(macos_readers::favicons_11, found_.favicons, state_.run, [this](database_row &row) {
         const QString icon_id = icon_id_of(row);
         const QString picture = export_icon(row, icon_not_written);
         const QString address = get_icon_url(row.helper_query(0), icon_id);

@@ -9,6 +9,7 @@
 
 #include <QtSql/QSqlError>
 #include <QtSql/QSqlQuery>
+#include <QtSql/QSqlRecord>
 
 using namespace Qt::StringLiterals;
 
@@ -53,7 +54,7 @@ struct profile_look_up {
 
 /// Calls `each` for the profile's rows until it returns false.
 void for_each_profile_row(const profile_look_up &look_up, const QString &guid,
-                          const QString &web_data_path,
+                          const QString &web_data_path, extraction_run &run,
                           const std::function<bool(const QSqlQuery &)> &each)
 {
     using common = plugin_static_function;
@@ -65,12 +66,16 @@ void for_each_profile_row(const profile_look_up &look_up, const QString &guid,
         if (source.is_open()) {
             QSqlQuery query(source.database());
             query.setForwardOnly(true);
-            if (sql.isEmpty() || !query.exec(sql))
+            QString error;
+            if (sql.isEmpty())
+                error = unsafe_key_error();
+            else if (!query.exec(sql))
+                error = query.lastError().text();
+            else
+                error = for_each_found_row(query, query.record().count(), run, each);
+            if (!error.isEmpty())
                 log_failure(query_failure(look_up.query_failed), signature,
-                            {.error = sql.isEmpty() ? unsafe_key_error() : query.lastError().text(),
-                             .query = sql});
-            while (query.next() && each(query)) {
-            }
+                            {.error = error, .query = sql});
         } else {
             log_failure(open_failure(look_up.open_failed), signature,
                         {.error = source.error_text()});
@@ -80,10 +85,10 @@ void for_each_profile_row(const profile_look_up &look_up, const QString &guid,
 }
 
 QString joined_rows(const profile_look_up &look_up, const QString &guid,
-                    const QString &web_data_path)
+                    const QString &web_data_path, extraction_run &run)
 {
     QStringList values;
-    for_each_profile_row(look_up, guid, web_data_path, [&values](const QSqlQuery &row) {
+    for_each_profile_row(look_up, guid, web_data_path, run, [&values](const QSqlQuery &row) {
         values.append(row.value(0).toString());
         return true;
     });
@@ -150,7 +155,7 @@ opera_winos::extract_name_for_autofill_profiles(const QString &guid, const QStri
                         "query_source_web_data",
         .ends = "[extract_name_for_autofill_profiles]  -Ends"};
     autofill_profile_info info;
-    for_each_profile_row(look_up, guid, web_data_path, [&info](const QSqlQuery &row) {
+    for_each_profile_row(look_up, guid, web_data_path, state_.run, [&info](const QSqlQuery &row) {
         QStringList names = {row.value(0).toString(), row.value(1).toString(),
                              row.value(2).toString()};
         names.removeAll(QString()); // a missing middle name leaves no second blank
@@ -172,7 +177,7 @@ QString opera_winos::extract_email_for_autofill_profiles(const QString &guid,
         .query_failed = "[extract_email_for_autofill_profiles]---FAILED--- to execute query "
                         "query_source_web_data",
         .ends = "[extract_email_for_autofill_profiles]  -Ends"};
-    return joined_rows(look_up, guid, web_data_path);
+    return joined_rows(look_up, guid, web_data_path, state_.run);
 }
 
 QString opera_winos::extract_phone_for_autofill_profiles(const QString &guid,
@@ -186,13 +191,13 @@ QString opera_winos::extract_phone_for_autofill_profiles(const QString &guid,
         .query_failed = "[extract_phone_for_autofill_profiles]---FAILED--- to execute query "
                         "query_source_web_data",
         .ends = "[extract_phone_for_autofill_profiles]  -Ends"};
-    return joined_rows(look_up, guid, web_data_path);
+    return joined_rows(look_up, guid, web_data_path, state_.run);
 }
 
 void opera_winos::extract_webdata_autofill_profiles()
 {
     read_databases(
-        winos_readers::autofill_profiles, found_.web_data_1, state_.run, [](database_row &row) {
+        winos_readers::autofill_profiles, found_.web_data_1, state_.run, [this](database_row &row) {
             const QString guid = row.text(0);
             const QString copy = row.source().databaseName();
             const autofill_profile_info info = extract_name_for_autofill_profiles(guid, copy);

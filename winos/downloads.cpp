@@ -69,7 +69,8 @@ insertion download_insertion(value_rule url, value_rule referrer)
 }
 
 /// "C:\Users\a" to the source root and "Users/a". What names no drive (a share of another machine,
-/// a relative path, under four characters) has no place under the root and stays as it is.
+/// a relative path, under four characters) has no place under the root and stays as it is. The path
+/// does not pass through get_complete_file_path, which would put a slash before the drive.
 QString source_side_path(const QString &windows_path, const QString &source_root)
 {
     QString path = windows_path;
@@ -119,7 +120,7 @@ QString opera_winos::extract_name_for_downloads(const QString &path)
     return not_null(path.section(u'/', -1));
 }
 
-void opera_winos::derive_download(source_row &row) const
+void opera_winos::derive_download(source_row &row)
 {
     using common = plugin_static_function;
     const QString path = source_side_path(row.text(0), state_.run.source_root);
@@ -132,8 +133,7 @@ void opera_winos::derive_download(source_row &row) const
     row.derived[name] = file;
     row.derived[file_extension] = common::mining_suffix(file);
     row.derived[file_existence] = yes_or_no(exists);
-    row.derived[file_size] =
-        exists ? common::mining_size(QFileInfo(path).canonicalFilePath()) : empty_text();
+    row.derived[file_size] = exists ? size_in_source(path, state_.run) : empty_text();
     row.derived[path_in_source] = path_inside_source(path, state_.run);
 }
 

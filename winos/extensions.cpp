@@ -102,7 +102,8 @@ bool write_version(const QString &manifest_path, const QString &id, record_sink 
     const QString folder = QFileInfo(manifest_path).path();
     const QString locale = json_text(manifest.value("default_locale"_L1));
     const extension_messages messages(folder, locale);
-    const exported_picture picture = export_extension_picture(folder, id, manifest, file, run);
+    const exported_picture picture = export_extension_picture(
+        folder, id, manifest, file, run, QString::fromUtf8(extensions_reader.signature));
 
     // Each row is traced to its own manifest instead of to the folder of all.
     sink.insert().begin_file(file);

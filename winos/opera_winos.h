@@ -95,12 +95,10 @@ public:
     void extract_webdata_credit_cards();
     /// Look-ups of one profile in a private copy of a "Web Data" file. A failure is logged and
     /// gives empty texts.
-    static autofill_profile_info extract_name_for_autofill_profiles(const QString &guid,
-                                                                    const QString &web_data_path);
-    static QString extract_email_for_autofill_profiles(const QString &guid,
-                                                       const QString &web_data_path);
-    static QString extract_phone_for_autofill_profiles(const QString &guid,
-                                                       const QString &web_data_path);
+    autofill_profile_info extract_name_for_autofill_profiles(const QString &guid,
+                                                             const QString &web_data_path);
+    QString extract_email_for_autofill_profiles(const QString &guid, const QString &web_data_path);
+    QString extract_phone_for_autofill_profiles(const QString &guid, const QString &web_data_path);
 
     /// Table bookmarks, line by line from every "Bookmarks" file.
     void extract_bookmark();
@@ -158,7 +156,7 @@ private:
     QString local_path_of(const QString &url) const;
     /// False when the look-up of the page did not come to its end.
     bool derive_visit(source_row &row) const;
-    void derive_download(source_row &row) const;
+    void derive_download(source_row &row);
     void read_sessions(const record_reader &reader, const QStringList &files);
 
     extractor_state state_;

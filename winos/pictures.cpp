@@ -89,11 +89,13 @@ const database_reader winos_readers::thumbnails = {
 
 void opera_winos::extract_favicons()
 {
-    read_databases(winos_readers::favicons, found_.favicons, state_.run, [](database_row &row) {
+    read_databases(winos_readers::favicons, found_.favicons, state_.run, [this](database_row &row) {
         const QString id = icon_id_of(row);
         const QString picture = export_icon(row, icon_not_written);
-        const QString address = find_icon_url(row.helper_query(0), id, icon_look_up_failed);
-        const QStringList pages = find_icon_pages(row.helper_query(1), id, icon_look_up_failed);
+        const QString address =
+            find_icon_url(row.helper_query(0), id, state_.run, icon_look_up_failed);
+        const QStringList pages =
+            find_icon_pages(row.helper_query(1), id, state_.run, icon_look_up_failed);
         row.derived = {address, picture, not_null(pages.join(u";;"_s))};
         return true;
     });

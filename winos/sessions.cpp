@@ -59,8 +59,7 @@ QStringList opera_winos::extract_session_data(const QString &path)
     for (qsizetype at = marker.indexIn(content); at >= 0;) {
         const qsizetype zero = content.indexOf('\0', at);
         const qsizetype end = zero < 0 ? content.size() : zero;
-        urls.append(not_null(
-            decode_percent(QString::fromUtf8(content.constData() + at, end - at)).trimmed()));
+        urls.append(not_null(decode_percent(content.mid(at, end - at)).trimmed()));
         at = marker.indexIn(content, end);
     }
     plugin_static_function::app_debug(u"[extract_session_data] - Ends"_s, signature);

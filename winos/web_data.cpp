@@ -42,7 +42,11 @@ const database_reader winos_readers::autofill = {
                   .insert = autofill_insertion(
                       "insert into autofill(bookmark,system_user,domain_user,name,value,count,"
                       "date_created, pair_id, source_file, os_scheme_display,source_count_name) "
-                      "values(?,?,?,?, ?,?,?,?, ?,?,?)")},
+                      "values(?,?,?,?, ?,?,?,?, ?,?,?)"),
+                  // Where one pair stands in many rows of both tables, all of them would be joined
+                  // before the first row comes.
+                  .refused_when =
+                      "select 1 from autofill group by pair_id having count(*) > 1 limit 1"},
                  {.select = "select autofill.name, autofill.value, autofill.count, "
                             "autofill.date_created, autofill.date_last_used from autofill",
                   .select_failed = query_failure("[extract_webdata_autofill] ---FAILED--- to "

@@ -1,12 +1,16 @@
 #include "common/extraction/database_reader.h"
 
+#include "common/extraction/page_walk.h"
+#include "common/extraction/reading_budget.h"
 #include "common/named_connection.h"
 #include "common/plugin_helper_functions.h"
 #include "common/plugin_static_function.h"
 
 #include <QFileInfo>
+#include <QRegularExpression>
 #include <QtSql/QSqlError>
 #include <QtSql/QSqlQuery>
+#include <QtSql/QSqlRecord>
 
 #include <optional>
 
@@ -41,41 +45,18 @@ public:
         return prepare_error_.isEmpty() ? query_.lastError().text() : prepare_error_;
     }
     QSqlQuery &query() { return query_; }
+    /// Of a query that ran.
+    int columns()
+    {
+        if (columns_ < 0)
+            columns_ = query_.record().count();
+        return columns_;
+    }
 
 private:
     QSqlQuery query_;
     QString prepare_error_;
-};
-
-/// A damaged or made-up file can yield rows without end, or the same text in each of them. Rows and
-/// the characters of their texts stay below what a file of its size can hold.
-class reading_budget
-{
-public:
-    explicit reading_budget(qint64 file_size)
-        : rows_left_(file_size),
-          characters_left_(characters_per_byte * file_size + spare_characters)
-    {
-    }
-
-    void use_row() { --rows_left_; }
-    void use_text(const QVariant &value)
-    {
-        if (value.typeId() == QMetaType::QString)
-            characters_left_ -= value.toString().size();
-        else if (value.typeId() == QMetaType::QByteArray)
-            characters_left_ -= value.toByteArray().size();
-    }
-    bool is_used_up() const { return rows_left_ < 0 || characters_left_ < 0; }
-    static QString error() { return u"more rows than a file of this size can hold"_s; }
-
-private:
-    // A column may be read more than once, and its default value is stored once for all rows.
-    static constexpr qint64 characters_per_byte = 16;
-    static constexpr qint64 spare_characters = 1 << 20;
-
-    qint64 rows_left_;
-    qint64 characters_left_;
+    int columns_ = -1;
 };
 
 /// What is known while one file is read.
@@ -86,7 +67,7 @@ struct file_reading {
     const source_file &file;
     QSqlDatabase &source;
     const row_preparation &prepare_row;
-    qint64 copy_size; ///< bytes, the write-ahead log included
+    qint64 copy_size; ///< bytes
 
     void log(const failure_lines &lines, const QString &error, const QString &query) const
     {
@@ -103,8 +84,7 @@ class current_row : public database_row
 public:
     current_row(const file_reading &reading, const QSqlQuery &rows)
         : database_row(reading.run, reading.file), reading_(reading), rows_(rows),
-          look_ups_(reading.reader.look_ups.size()), budget_(reading.copy_size),
-          look_up_budget_(reading.copy_size)
+          look_ups_(reading.reader.look_ups.size()), budget_(reading.copy_size)
     {
     }
 
@@ -160,26 +140,15 @@ public:
             reading_.log(wanted.failed, prepared->error_text(), query.lastQuery());
             return false;
         }
-        for (;;) {
-            if (run().cancelled()) {
-                interrupted_ = true;
-                break;
-            }
-            if (look_up_budget_.is_used_up() || !query.next())
-                break;
-            look_up_budget_.use_row();
-            each(query);
-            if (wanted.first_row_only)
-                break;
-        }
-        const bool complete = !query.lastError().isValid() && !look_up_budget_.is_used_up();
-        if (!complete)
-            reading_.log(wanted.failed,
-                         look_up_budget_.is_used_up() ? reading_budget::error()
-                                                      : query.lastError().text(),
-                         query.lastQuery());
-        query.finish();
-        return complete;
+        const QString error =
+            for_each_found_row(query, prepared->columns(), run(), [&](const QSqlQuery &row) {
+                each(row);
+                return !wanted.first_row_only;
+            });
+        interrupted_ = interrupted_ || run().cancelled();
+        if (!error.isEmpty())
+            reading_.log(wanted.failed, error, query.lastQuery());
+        return error.isEmpty();
     }
 
 private:
@@ -189,7 +158,6 @@ private:
     std::vector<std::unique_ptr<prepared_query>> look_ups_;
     std::vector<std::unique_ptr<QSqlQuery>> helper_queries_;
     mutable reading_budget budget_;
-    reading_budget look_up_budget_;
 };
 
 /// The rows of a SELECT that ran, up to its last row or to what keeps it from going on.
@@ -230,6 +198,14 @@ file_result read_file(const file_reading &reading, result_writer &writer)
     }
     for (std::size_t number = first; number < end; ++number) {
         const source_reading &way = reader.readings.at(number);
+        if (way.refused_when) {
+            prepared_query reason(reading.source, way.refused_when);
+            if (reason.execute() && reason.query().next()) {
+                reading.log(way.select_failed, u"rows belong together that browsers keep apart"_s,
+                            QString::fromUtf8(way.select));
+                continue;
+            }
+        }
         prepared_query select(reading.source, way.select);
         if (!select.execute()) {
             reading.log(way.select_failed, select.error_text(), select.query().lastQuery());
@@ -238,6 +214,12 @@ file_result read_file(const file_reading &reading, result_writer &writer)
         return write_rows(reading, select.query(), writer.begin_file(way.insert, reading.file));
     }
     return file_result::unknown_schema;
+}
+
+/// In bytes, the write-ahead log included.
+qint64 size_of_copy(const QString &copy)
+{
+    return QFileInfo(copy).size() + QFileInfo(copy + u"-wal").size();
 }
 
 /// Makes the private copy, opens it and reads it.
@@ -251,17 +233,24 @@ file_result read_path(const database_reader &reader, const QString &signature, c
     if (copy.isEmpty())
         return file_result::done;
 
+    const int repeated = remove_repeated_pages(copy);
+    if (repeated != 0)
+        plugin_static_function::app_debug(
+            operation_tag(signature) +
+                u" pages of the source are used twice, rows may be missing -----FAILED-----"_s +
+                path,
+            signature);
+    if (repeated < 0)
+        return file_result::done;
+
     const source_file file(path, run);
+    run.look_up_budget = reading_budget(size_of_copy(copy));
+    run.folder_sizes.clear();
     named_connection source(reader.source_connection ? QString::fromUtf8(reader.source_connection)
                                                      : signature + u'1',
                             copy, named_connection::access::read_only);
-    const file_reading reading = {reader,
-                                  signature,
-                                  run,
-                                  file,
-                                  source.database(),
-                                  prepare_row,
-                                  QFileInfo(copy).size() + QFileInfo(copy + u"-wal").size()};
+    const file_reading reading = {reader,      signature,         run, file, source.database(),
+                                  prepare_row, size_of_copy(copy)};
     if (!source.is_open()) {
         reading.log(reader.source_failed, source.error_text(), {});
         return file_result::done;
@@ -275,16 +264,65 @@ file_result read_path(const database_reader &reader, const QString &signature, c
 
 } // namespace
 
+QString for_each_found_row(QSqlQuery &query, int columns, extraction_run &run,
+                           const std::function<bool(const QSqlQuery &row)> &each)
+{
+    reading_budget &budget = run.look_up_budget;
+    QString error;
+    while (!run.cancelled()) {
+        if (budget.is_used_up()) {
+            error = reading_budget::error();
+            break;
+        }
+        if (!query.next()) {
+            if (query.lastError().isValid())
+                error = query.lastError().text();
+            break;
+        }
+        budget.use_row();
+        for (int column = 0; column < columns; ++column)
+            budget.use_text(query.value(column));
+        if (!each(query))
+            break;
+    }
+    query.finish();
+    return error;
+}
+
+bool look_up_rows(QSqlQuery &query, const QString &select, const QString &key, extraction_run &run,
+                  const failure_lines &failed, const QString &signature,
+                  const std::function<bool(const QSqlQuery &row)> &each)
+{
+    query.setForwardOnly(true);
+    bool ran = query.lastQuery() == select || query.prepare(select);
+    if (ran) {
+        query.bindValue(0, key);
+        ran = query.exec();
+    }
+    const QString error = ran ? for_each_found_row(query, query.record().count(), run, each)
+                              : query.lastError().text();
+    if (ran && error.isEmpty())
+        return true;
+    log_failure(failed, signature, {.error = error, .query = query.lastQuery()});
+    query.clear(); // so that the next row prepares it again and sees the same reason
+    return false;
+}
+
 QString pasted_statement(const char *select, const QString &key)
 {
-    if (key.contains(u'"'))
+    static const QRegularExpression word(u"\\w+"_s);
+    const QString statement = QString::fromUtf8(select);
+    QStringList columns = {u"rowid"_s, u"oid"_s, u"_rowid_"_s};
+    for (auto match = word.globalMatch(statement); match.hasNext();)
+        columns += match.next().captured();
+    if (key.contains(u'"') || columns.contains(key, Qt::CaseInsensitive))
         return {};
-    return QString::fromUtf8(select) + u'"' + key + u'"';
+    return statement + u'"' + key + u'"';
 }
 
 QString unsafe_key_error()
 {
-    return u"the key holds a double quote"_s;
+    return u"the key holds a double quote or names a column"_s;
 }
 
 int read_databases(const database_reader &reader, const QStringList &files, extraction_run &run,

@@ -18,6 +18,9 @@ struct source_reading {
     const char *select;
     failure_lines select_failed; ///< written when the SELECT fails; the next reading is tried then
     insertion insert;
+    /// A statement that finds a row where the SELECT would cost the square of the file's size: it
+    /// counts as failed then. Browsers do not write such files.
+    const char *refused_when = nullptr;
 };
 
 /// A statement with one key that is run for single rows of the main SELECT.
@@ -34,10 +37,23 @@ struct row_look_up {
 };
 
 /// The statement with the key behind it, in double quotes. Empty for a key that holds a double
-/// quote itself: it would go on as SQL that the evidence wrote.
+/// quote itself, as it would go on as SQL that the evidence wrote, and for one that names a column,
+/// as SQLite would compare the column with itself and find all rows.
 QString pasted_statement(const char *select, const QString &key);
 /// What is logged as the error of such a key.
 QString unsafe_key_error();
+
+/// Goes over the rows of a look-up that ran until `each` returns false, and finishes the query.
+/// Rows and their texts count against the run's look_up_budget. Returns what kept it from all rows,
+/// for the log: a damaged page, or the budget; empty otherwise, also when the run was cancelled.
+QString for_each_found_row(QSqlQuery &query, int columns, extraction_run &run,
+                           const std::function<bool(const QSqlQuery &row)> &each);
+
+/// Runs a SELECT with one key, which is prepared unless the query holds it already, and goes over
+/// its rows as above. A failure is logged; false then, with the rows before it seen.
+bool look_up_rows(QSqlQuery &query, const QString &select, const QString &key, extraction_run &run,
+                  const failure_lines &failed, const QString &signature,
+                  const std::function<bool(const QSqlQuery &row)> &each);
 
 /// An extractor that reads one SQLite file per account: all that tells it from the others.
 struct database_reader {

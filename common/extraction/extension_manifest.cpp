@@ -1,6 +1,8 @@
 #include "common/extraction/extension_manifest.h"
 
 #include "common/evidence_file.h"
+#include "common/extraction/failure_log.h"
+#include "common/plugin_static_function.h"
 #include "common/text_values.h"
 
 #include <QFileInfo>
@@ -16,7 +18,7 @@ QString json_text(const QJsonValue &value)
 
 QString json_flag(const QJsonValue &value)
 {
-    return value.isBool() ? yes_or_no(value.toBool()) : empty_text();
+    return yes_or_no(value.toBool());
 }
 
 QString manifest_picture(const QJsonObject &manifest)
@@ -43,7 +45,7 @@ QString manifest_picture(const QJsonObject &manifest)
 
 exported_picture export_extension_picture(const QString &folder, const QString &id,
                                           const QJsonObject &manifest, const source_file &file,
-                                          const extraction_run &run)
+                                          const extraction_run &run, const QString &signature)
 {
     const QString picture = manifest_picture(manifest);
     if (picture.isEmpty() || folder.isEmpty())
@@ -58,10 +60,15 @@ exported_picture export_extension_picture(const QString &folder, const QString &
     exported_picture exported;
     exported.source_path = resolved.filePath().mid(root == "/"_L1 ? 0 : root.size());
     const QString name =
-        safe_picture_name({file.system_user, id, json_text(manifest.value("version"_L1)),
-                           resolved.completeBaseName()},
+        safe_picture_name({plugin_static_function::get_source_count_name(), file.system_user, id,
+                           json_text(manifest.value("version"_L1)), resolved.completeBaseName()},
                           resolved.suffix().isEmpty() ? QString() : u'.' + resolved.suffix());
     if (!name.isEmpty() && copy_picture(source, run.result_directory + u"Images/" + name))
         exported.copy_path = u"./Images/"_s + name;
+    else
+        plugin_static_function::app_debug(operation_tag(signature) +
+                                              u" picture is not copied ---------FAILED----------" +
+                                              resolved.filePath(),
+                                          signature);
     return exported;
 }

@@ -12,7 +12,7 @@
 /// Strings as they are, numbers in decimal, anything else empty.
 QString json_text(const QJsonValue &value);
 
-/// YES or NO of a boolean; empty when the record does not say.
+/// YES or NO of a boolean; NO when the record does not say, as the browser takes it.
 QString json_flag(const QJsonValue &value);
 
 /// The picture that stands for the extension, relative to its folder: the largest of its icons, or
@@ -20,8 +20,8 @@ QString json_flag(const QJsonValue &value);
 QString manifest_picture(const QJsonObject &manifest);
 
 /// Copies an extension's picture to "Images/" when it lies in the extension's own folder and that
-/// in the source; the paths are empty otherwise. The copy is named after the account, the
-/// extension, its version and the picture.
+/// in the source; the paths are empty otherwise. The copy is named after the source, the
+/// account, the extension, its version and the picture. A copy that fails is logged.
 exported_picture export_extension_picture(const QString &folder, const QString &id,
                                           const QJsonObject &manifest, const source_file &file,
-                                          const extraction_run &run);
+                                          const extraction_run &run, const QString &signature);

@@ -7,6 +7,8 @@
 #include "common/plugin_static_function.h"
 #include "common/text_values.h"
 
+#include <QFileInfo>
+
 #include <chrono>
 #include <utility>
 
@@ -52,6 +54,18 @@ bool lies_in_source(const QString &path, const QString &signature, const extract
             path,
         signature);
     return false;
+}
+
+QString size_in_source(const QString &path, extraction_run &run)
+{
+    using common = plugin_static_function;
+    const QString place = QFileInfo(path).canonicalFilePath();
+    if (!QFileInfo(place).isDir())
+        return common::mining_size(place);
+    const auto known = run.folder_sizes.constFind(place);
+    return known != run.folder_sizes.cend()
+               ? *known
+               : *run.folder_sizes.insert(place, common::mining_size(place));
 }
 
 QString path_inside_source(const QString &path, const extraction_run &run)

@@ -1,5 +1,8 @@
 #pragma once
 
+#include "common/extraction/reading_budget.h"
+
+#include <QHash>
 #include <QString>
 #include <QtGlobal>
 
@@ -30,6 +33,10 @@ public:
     /// An extractor with nothing to do (cancelled, or no files) ends after its start line, without
     /// opening the result database.
     bool idle_extractors_end_early = true;
+    /// Of the database that is being read: what the look-ups for its rows may still find, and the
+    /// sizes of folders that its rows named.
+    reading_budget look_up_budget;
+    QHash<QString, QString> folder_sizes;
 
     /// May be called from any thread.
     void set_cancelled(bool cancelled) { cancelled_ = cancelled; }
@@ -67,6 +74,10 @@ struct source_file {
 /// False, and logged under the signature, for a path that does not exist or that links of the
 /// evidence lead out of the source: such a file is not touched.
 bool lies_in_source(const QString &path, const QString &signature, const extraction_run &run);
+
+/// Size of a file or folder of the source in bytes. A folder is walked once for a database, however
+/// many of its rows name it.
+QString size_in_source(const QString &path, extraction_run &run);
 
 /// The path without the source root and with a leading "/" (a blank path stays as it is).
 QString path_inside_source(const QString &path, const extraction_run &run);

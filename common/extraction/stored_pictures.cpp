@@ -24,31 +24,6 @@ void report(const logged_failure &failure, const failure_details &details)
     log_failure(failure.lines, QString::fromUtf8(failure.signature), details);
 }
 
-/// Column 0 of all rows that the statement finds, or of the first alone.
-QStringList find_texts(QSqlQuery &query, const QString &sql, const QString &key, bool first_only,
-                       const logged_failure &failed)
-{
-    query.setForwardOnly(true);
-    bool complete = query.lastQuery() == sql || query.prepare(sql);
-    if (complete) {
-        query.bindValue(0, key);
-        complete = query.exec();
-    }
-    QStringList texts;
-    while (complete && query.next()) {
-        texts.append(query.value(0).toString());
-        if (first_only)
-            break;
-    }
-    if (complete && !query.lastError().isValid()) {
-        query.finish();
-        return texts;
-    }
-    report(failed, {.error = query.lastError().text(), .query = query.lastQuery()});
-    query.clear(); // so that the next row prepares it again and sees the same reason
-    return {};
-}
-
 } // namespace
 
 source_reading favicon_reading(failure_lines select_failed)
@@ -97,17 +72,28 @@ QString export_icon(const source_row &row, const logged_failure &not_written)
     return u"./"_s + pictures_folder + name;
 }
 
-QString find_icon_url(QSqlQuery &query, const QString &icon_id, const logged_failure &failed)
+QString find_icon_url(QSqlQuery &query, const QString &icon_id, extraction_run &run,
+                      const logged_failure &failed)
 {
-    const QStringList urls =
-        find_texts(query, u"select url from favicons where id = ?"_s, icon_id, true, failed);
-    return urls.isEmpty() ? empty_text() : not_null(urls.first());
+    QString url = empty_text();
+    look_up_rows(query, u"select url from favicons where id = ?"_s, icon_id, run, failed.lines,
+                 QString::fromUtf8(failed.signature), [&url](const QSqlQuery &row) {
+                     url = not_null(row.value(0).toString());
+                     return false;
+                 });
+    return url;
 }
 
-QStringList find_icon_pages(QSqlQuery &query, const QString &icon_id, const logged_failure &failed)
+QStringList find_icon_pages(QSqlQuery &query, const QString &icon_id, extraction_run &run,
+                            const logged_failure &failed)
 {
-    return find_texts(query, u"select page_url from icon_mapping where icon_id = ?"_s, icon_id,
-                      false, failed);
+    QStringList pages;
+    look_up_rows(query, u"select page_url from icon_mapping where icon_id = ?"_s, icon_id, run,
+                 failed.lines, QString::fromUtf8(failed.signature), [&pages](const QSqlQuery &row) {
+                     pages.append(row.value(0).toString());
+                     return true;
+                 });
+    return pages;
 }
 
 source_reading thumbnail_reading(failure_lines select_failed)

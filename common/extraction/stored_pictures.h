@@ -51,8 +51,10 @@ QString export_icon(const source_row &row, const logged_failure &not_written);
 
 /// Look-ups on a query of the source, which is prepared when it is not. A failure is logged and
 /// gives an empty result.
-QString find_icon_url(QSqlQuery &query, const QString &icon_id, const logged_failure &failed);
-QStringList find_icon_pages(QSqlQuery &query, const QString &icon_id, const logged_failure &failed);
+QString find_icon_url(QSqlQuery &query, const QString &icon_id, extraction_run &run,
+                      const logged_failure &failed);
+QStringList find_icon_pages(QSqlQuery &query, const QString &icon_id, extraction_run &run,
+                            const logged_failure &failed);
 
 // ---- Thumbnails ---------------------------------------------------------------------------------
 

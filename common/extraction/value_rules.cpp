@@ -48,11 +48,18 @@ namespace
 {
 
 /// What a placeholder for the stored value receives: its text. A whole number may stay one, as a
-/// typed result column makes the same value of its text.
+/// typed result column makes the same value of its text. Bytes that are no text stay bytes: an
+/// enciphered password would otherwise lose what no text can hold.
 QVariant text_or_number(const QVariant &stored)
 {
     const int type = stored.typeId();
-    return type == QMetaType::LongLong || type == QMetaType::QString ? stored : stored.toString();
+    if (type == QMetaType::LongLong || type == QMetaType::QString)
+        return stored;
+    const QString text = stored.toString();
+    if (type != QMetaType::QByteArray)
+        return text;
+    const QByteArray bytes = stored.toByteArray();
+    return bytes.contains('\0') || !bytes.isValidUtf8() ? stored : not_null(text);
 }
 
 } // namespace

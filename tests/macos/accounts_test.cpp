@@ -385,9 +385,11 @@ void macos_accounts_test::profiles_guid_is_no_sql()
     two_accounts run;
     run.put(u"ada"_s, u"Web Data"_s,
             older_profiles + "insert into autofill_profiles(guid) values('x\" or \"1\"=\"1');"
+                             "insert into autofill_profiles(guid) values('GUID');"
                              "insert into autofill_profile_phones values('g','+1')");
     run.run({u"autofill_profiles"_s});
-    QCOMPARE(run.lines(u"select phone_number from autofill_profiles"_s), QStringList(u""_s));
+    QCOMPARE(run.lines(u"select phone_number from autofill_profiles"_s),
+             QStringList({u""_s, u""_s}));
     QVERIFY(run.log.has(u"[get_phone_for_autofill_profiles]--------FAILED------- *****to execute "
                         "query query_source_phone"_s));
 }

@@ -272,14 +272,15 @@ void macos_profile_files_test::extensions_whole_rows()
              "abc/1.0_0|Enable|"_s +
                  profile +
                  u"Extensions/abc/1.0_0/images/i128.png|"
-                 "./Images/ada_abc_1.0_i128.png|./Images/ada_abc_1.0_i128.png" +
+                 "./Images/Source7_ada_abc_1.0_i128.png|./Images/Source7_ada_abc_1.0_i128.png" +
                  origin,
-             u"0|ada|5||||||||||1667872078||bcd|Disable|"_s + profile +
-                 u"Extensions/bcd/back.jpg|./Images/ada_bcd__back.jpg|./Images/ada_bcd__back.jpg" +
+             u"0|ada|5||||||NO||NO|NO|1667872078||bcd|Disable|"_s + profile +
+                 u"Extensions/bcd/back.jpg|./Images/Source7_ada_bcd__back.jpg|./Images/Source7_ada_bcd__back.jpg" +
                  origin,
-             u"0|ada||||||||||||||Unknown|||"_s + origin}));
-    QCOMPARE(run.pictures(), QStringList({u"ada_abc_1.0_i128.png"_s, u"ada_bcd__back.jpg"_s}));
-    QFile copy(run.plugin_folder() + u"Images/ada_abc_1.0_i128.png"_s);
+             u"0|ada|||||||NO||NO|NO||||Unknown|||"_s + origin}));
+    QCOMPARE(run.pictures(),
+             QStringList({u"Source7_ada_abc_1.0_i128.png"_s, u"Source7_ada_bcd__back.jpg"_s}));
+    QFile copy(run.plugin_folder() + u"Images/Source7_ada_abc_1.0_i128.png"_s);
     QVERIFY(copy.open(QIODevice::ReadOnly));
     QCOMPARE(copy.readAll(), picture);
 }
@@ -309,7 +310,7 @@ void macos_profile_files_test::extension_folders()
     run.evidence.file(folder + u"/i.png", picture);
     run.run({u"extensions"_s});
     QCOMPARE(run.lines(u"select path, icon_source_path, icon_copy_path from extensions"_s),
-             QStringList(recorded + u"|/" + folder + u"/i.png|./Images/ada_abc__i.png"));
+             QStringList(recorded + u"|/" + folder + u"/i.png|./Images/Source7_ada_abc__i.png"));
 }
 
 void macos_profile_files_test::pictures_that_are_not_copied_data()

@@ -2,7 +2,7 @@
 
 import struct
 
-from readings import (Database, file_suffix, flag, http_date, joined, json_flag, json_text,
+from readings import (Database, as_is, file_suffix, flag, http_date, joined, json_flag, json_text,
                       load_json, percent_decoded, picture_columns, state_text, text, unix_seconds,
                       utc_text, with_slash)
 
@@ -173,7 +173,7 @@ def logins(source):
         found = with_ssl if with_ssl is not None else [
             (None, *row) for row in database.rows("logins", rest) or []]
         for ssl, origin, action, created, preferred, blacklisted, *values in found:
-            rows.append({**common(source, path), **dict(zip(stored.split(), map(text, values))),
+            rows.append({**common(source, path), **dict(zip(stored.split(), map(as_is, values))),
                          "origin_url": percent_decoded(origin),
                          "action_url": percent_decoded(action),
                          "date_created": unix_seconds(created),
@@ -195,7 +195,7 @@ def topsites(source):
 def current_autofill(source, path, database):
     columns = "name value count date_created date_last_used"
     rows = database.rows("autofill", columns)
-    return None if rows is None else [dict(zip(columns.split(), map(text, row))) for row in rows]
+    return None if rows is None else [dict(zip(columns.split(), map(as_is, row))) for row in rows]
 
 
 def older_autofill(source, path, database):
@@ -267,7 +267,7 @@ def credits_cards(source):
         found = database.rows("credit_cards", f"{columns} {uses}")
         if found is None:
             found = [(*row, "", "") for row in database.rows("credit_cards", columns) or []]
-        rows += [{**common(source, path), **dict(zip(f"{columns} {uses}".split(), map(text, row)))}
+        rows += [{**common(source, path), **dict(zip(f"{columns} {uses}".split(), map(as_is, row)))}
                  for row in found]
     return rows
 

@@ -19,10 +19,17 @@ MONTHS = "Jan Feb Mar Apr May Jun Jul Aug Sep Oct Nov Dec".split()
 
 
 def text(value):
-    """A stored value as text; NULL stays NULL, and empty binary data becomes NULL."""
+    """A stored value as text; NULL stays NULL."""
     if isinstance(value, bytes):
-        return value.decode(errors="replace") or None
+        return value.decode(errors="replace")
     return None if value is None else str(value)
+
+
+def as_is(value):
+    """A stored value that is copied: bytes that are no text stay bytes."""
+    if isinstance(value, bytes) and (b"\0" in value or text(value).encode() != value):
+        return value
+    return text(value)
 
 
 def unix_seconds(value):
@@ -68,7 +75,7 @@ def json_text(value):
 
 
 def json_flag(value):
-    return ("YES" if value else "NO") if isinstance(value, bool) else ""
+    return "YES" if value is True else "NO"
 
 
 def file_suffix(name):
@@ -155,5 +162,5 @@ def picture_columns(source, folder, account, key, manifest):
     real = Path(os.path.realpath(folder / picture))
     if not real.is_relative_to(os.path.realpath(folder)):
         return "", ""
-    name = f"{account}_{key}_{json_text(manifest.get('version'))}_{real.name}"
+    name = f"Source1_{account}_{key}_{json_text(manifest.get('version'))}_{real.name}"
     return source.inside(real), "./Images/" + name

@@ -74,7 +74,7 @@ def compare_system(test, system, name, *options):
         expected = as_stored(results, table, reader(source), columns)
         found = stored_rows(results, table, columns)
         compare(test, f"{name} {table}", expected, found)
-        test.count("rows", len(found))
+        test.count(f"{system} {table} rows", len(found))
         # A reader that fits none of the files of one generation has no rows of it.
         test.check(found or name != f"{system}_mixed", f"{name} {table}: no rows to compare")
     results.close()

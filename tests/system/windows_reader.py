@@ -3,7 +3,7 @@
 import json
 import re
 
-from readings import (Database, file_suffix, flag, joined, json_flag, json_text, load_json,
+from readings import (Database, as_is, file_suffix, flag, joined, json_flag, json_text, load_json,
                       percent_decoded, picture_columns, text, unix_seconds, with_slash)
 
 DURATION_LIMIT = 2**31
@@ -115,7 +115,7 @@ def cookies(source):
 def logins(source):
     stored = ("origin_url action_url username_element username_value password_element "
               "password_value submit_element signon_realm")
-    return [{**shared, **dict(zip(stored.split(), map(text, values))),
+    return [{**shared, **dict(zip(stored.split(), map(as_is, values))),
              "date_created": unix_seconds(created)}
             for shared, database in databases(source, "Login Data")
             for *values, created in database.rows("logins", stored + " date_created")]
@@ -183,7 +183,7 @@ def autofill_profiles(source):
 
 def credits_cards(source):
     stored = "guid name_on_card expiration_month expiration_year card_number_encrypted"
-    return [{**shared, **dict(zip(stored.split(), map(text, values))),
+    return [{**shared, **dict(zip(stored.split(), map(as_is, values))),
              "date_modified": unix_seconds(modified)}
             for shared, database in databases(source, "Web Data")
             for *values, modified in database.rows("credit_cards", stored + " date_modified")]

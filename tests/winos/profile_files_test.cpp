@@ -178,13 +178,13 @@ void winos_profile_files_test::extension_rows()
                       "offline_enabled, update_url, path, icon_source_path, icon_copy_path, "
                       "preview_file_path, source_file from extensions order by INT"_s),
              QList<QStringList>(
-                 {{u"CORP"_s, u""_s, u""_s, u"3"_s, u""_s, u""_s, u""_s, inside + u"1.1_0", u""_s,
+                 {{u"CORP"_s, u""_s, u""_s, u"3"_s, u""_s, u"NO"_s, u""_s, inside + u"1.1_0", u""_s,
                    u""_s, u""_s, inside + u"1.1_0/manifest.json"},
                   {u"CORP"_s, u"Möwe (beta)"_s, u"__MSG_missing__"_s, u"1.2"_s, u"de"_s, u"YES"_s,
                    u"https://u/"_s, inside + u"1.2_0", inside + u"1.2_0/i/128.png",
-                   u"./Images/ada_abcd_1.2_128.png"_s, u"./Images/ada_abcd_1.2_128.png"_s,
-                   inside + u"1.2_0/manifest.json"}}));
-    QFile copy(run.plugin_folder() + u"Images/ada_abcd_1.2_128.png");
+                   u"./Images/Source7_ada_abcd_1.2_128.png"_s,
+                   u"./Images/Source7_ada_abcd_1.2_128.png"_s, inside + u"1.2_0/manifest.json"}}));
+    QFile copy(run.plugin_folder() + u"Images/Source7_ada_abcd_1.2_128.png");
     QVERIFY(copy.open(QIODevice::ReadOnly));
     QCOMPARE(copy.readAll(), QByteArray("large"));
 }
