@@ -80,14 +80,15 @@ struct_thumbnail_info opera_macos::get_thumbnail_image(const QByteArray &image_d
 
 void opera_macos::extract_favicons_11()
 {
-    read_databases(macos_readers::favicons_11, found_.favicons, state_.run, [this](database_row &row) {
-        const QString icon_id = icon_id_of(row);
-        const QString picture = export_icon(row, icon_not_written);
-        const QString address = get_icon_url(row.helper_query(0), icon_id);
-        const QStringList pages = get_fav_urls(row.helper_query(1), icon_id);
-        row.derived = {address, picture, not_null(pages.join(u";;"_s))};
-        return true;
-    });
+    read_databases(macos_readers::favicons_11, found_.favicons, state_.run,
+                   [this](database_row &row) {
+                       const QString icon_id = icon_id_of(row);
+                       const QString picture = export_icon(row, icon_not_written);
+                       const QString address = get_icon_url(row.helper_query(0), icon_id);
+                       const QStringList pages = get_fav_urls(row.helper_query(1), icon_id);
+                       row.derived = {address, picture, not_null(pages.join(u";;"_s))};
+                       return true;
+                   });
 }
 
 void opera_macos::extract_thumbnails()

@@ -1,10 +1,11 @@
 """The second reader of macOS sources. Every function gives the expected rows of one table."""
 
+import plistlib
 import struct
 
-from readings import (Database, as_is, file_suffix, flag, http_date, joined, json_flag, json_text,
-                      load_json, percent_decoded, picture_columns, state_text, text, unix_seconds,
-                      utc_text, with_slash)
+from readings import (Database, as_is, companion_attributes, file_suffix, flag, http_date, joined,
+                      json_flag, json_text, load_json, percent_decoded, picture_columns, state_text,
+                      text, unix_seconds, utc_text, with_slash)
 
 URL_MARKER = bytes(8) + b"\2\0\0\0"
 
@@ -79,13 +80,25 @@ def search_items(source):
     return rows
 
 
+def noted_columns(path):
+    """What macOS noted beside the file: where it came from and when it was last used."""
+    attributes = companion_attributes(path)
+    addresses = attributes.get("com.apple.metadata:kMDItemWhereFroms")
+    used = attributes.get("com.apple.lastuseddate#PS")
+    joined_addresses = ";++::++;".join(plistlib.loads(addresses)) if addresses else ""
+    return {"wherefroms": joined_addresses.replace("\u2019", "'"),
+            "last_used_date": str(struct.unpack("<q", used[:8])[0]) if used else ""}
+
+
 def file_columns(source, full_path):
     """What the path alone and the downloaded file tell."""
     path = text(full_path)
     name = path.rpartition("/")[2]
     there = source.folder / path.lstrip("/")
     exists = source.holds(there)
-    return {"full_path": path, "name": name, "file_extension": file_suffix(name),
+    notes = noted_columns(there) if exists else {"wherefroms": "", "last_used_date": ""}
+    return {**notes,
+            "full_path": path, "name": name, "file_extension": file_suffix(name),
             "file_existence": flag(1 if exists else 0),
             "file_size": str(there.stat().st_size) if exists else "",
             "preview_file_path": with_slash(path), "export_file_paths": with_slash(path)}
@@ -362,6 +375,24 @@ def extensions(source):
     return rows
 
 
+def cached_files(source):
+    folders = [account / "Library/Caches/com.operasoftware.Opera" / name
+               for account in source.accounts() for name in ("Cache", "Media Cache")]
+    paths = [(folder, path) for folder in folders for path in folder.rglob("*")
+             if path.is_file() and not path.is_symlink() and path.name != "index"
+             and not path.name.startswith("data_")]
+    rows = []
+    for folder, path in sorted(paths, key=lambda found: (str(found[0]), source.inside(found[1]))):
+        status, inside = path.stat(), source.inside(path)
+        rows.append({**common(source, folder), **noted_columns(path), "file_name": path.name,
+                     "file_path": inside, "preview_file_path": inside,
+                     "export_file_paths": inside, "fs_name": path.name,
+                     "file_size": str(status.st_size),
+                     "content_modification_date": str(int(status.st_mtime)),
+                     "fs_content_change_date": str(int(status.st_mtime))})
+    return rows
+
+
 TABLES = {reader.__name__: reader for reader in (
     history, search_items, downloads, cookies, logins, topsites, autofill, autofill_profiles,
-    credits_cards, bookmarks, speeddials, sessions, extensions)}
+    credits_cards, bookmarks, speeddials, sessions, extensions, cached_files)}

@@ -9,6 +9,7 @@ import os
 import shutil
 import re
 import sqlite3
+import struct
 import tempfile
 import urllib.parse
 from pathlib import Path
@@ -114,6 +115,23 @@ class Database:
         """The column's values of the rows with that key, in the order of writing."""
         rows = self.rows(table, f"{key_column} {column}", "order by rowid") or []
         return [value for found, value in rows if text(found) == text(key)]
+
+
+def companion_attributes(path):
+    """The attributes in the AppleDouble companion of a file, by name."""
+    companion = path.with_name("._" + path.name)
+    content = companion.read_bytes() if companion.exists() else b""
+    start = content.find(b"ATTR")
+    if start < 0:
+        return {}
+    (number,) = struct.unpack_from(">H", content, start + 34)
+    attributes, at = {}, start + 36
+    for _ in range(number):
+        offset, size, _, name_size = struct.unpack_from(">IIHB", content, at)
+        name = content[at + 11:at + 11 + name_size].rstrip(b"\0").decode()
+        attributes[name] = content[offset:offset + size]
+        at += (11 + name_size + 3) // 4 * 4
+    return attributes
 
 
 class Source:
