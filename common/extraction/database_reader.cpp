@@ -216,12 +216,6 @@ file_result read_file(const file_reading &reading, result_writer &writer)
     return file_result::unknown_schema;
 }
 
-/// In bytes, the write-ahead log included.
-qint64 size_of_copy(const QString &copy)
-{
-    return QFileInfo(copy).size() + QFileInfo(copy + u"-wal").size();
-}
-
 /// Makes the private copy, opens it and reads it.
 file_result read_path(const database_reader &reader, const QString &signature, const QString &path,
                       extraction_run &run, const row_preparation &prepare_row,
@@ -233,6 +227,7 @@ file_result read_path(const database_reader &reader, const QString &signature, c
     if (copy.isEmpty())
         return file_result::done;
 
+    const qint64 copy_size = QFileInfo(copy).size() + QFileInfo(copy + u"-wal").size();
     const int repeated = remove_repeated_pages(copy);
     if (repeated != 0)
         plugin_static_function::app_debug(
@@ -244,13 +239,13 @@ file_result read_path(const database_reader &reader, const QString &signature, c
         return file_result::done;
 
     const source_file file(path, run);
-    run.look_up_budget = reading_budget(size_of_copy(copy));
+    run.look_up_budget = reading_budget(copy_size);
     run.folder_sizes.clear();
     named_connection source(reader.source_connection ? QString::fromUtf8(reader.source_connection)
                                                      : signature + u'1',
                             copy, named_connection::access::read_only);
-    const file_reading reading = {reader,      signature,         run, file, source.database(),
-                                  prepare_row, size_of_copy(copy)};
+    const file_reading reading = {reader,      signature, run, file, source.database(),
+                                  prepare_row, copy_size};
     if (!source.is_open()) {
         reading.log(reader.source_failed, source.error_text(), {});
         return file_result::done;

@@ -55,7 +55,8 @@ bool page_file::open()
     usable_size_ = page_size_ - static_cast<uchar>(header.at(20));
     if (page_size_ < 512 || (page_size_ & (page_size_ - 1)) != 0 || usable_size_ < 480)
         return false;
-    page_count_ = static_cast<quint32>(qMin<qint64>(file_.size() / page_size_, 0x7fffffff));
+    stored_pages_ = static_cast<quint32>(qMin<qint64>(file_.size() / page_size_, 0x7fffffff));
+    page_count_ = stored_pages_;
     if (log_.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
         read_log();
     return page_count_ > 0;
@@ -95,7 +96,7 @@ QByteArray page_file::page(quint32 number)
     const auto logged = logged_.constFind(number);
     QFile &from = logged == logged_.cend() ? file_ : log_;
     const qint64 at = logged == logged_.cend() ? qint64(number - 1) * page_size_ : *logged;
-    if (number == 0 || number > page_count_ || !from.seek(at))
+    if (!holds(number) || !from.seek(at))
         return {};
     QByteArray page = from.read(page_size_);
     return page.size() == page_size_ ? page : QByteArray();
@@ -107,12 +108,16 @@ bool page_file::take_over_log()
     if (!file_.open(QIODevice::ReadWrite | QIODevice::Unbuffered))
         return false;
     const QHash<quint32, qint64> logged = logged_;
+    const qint64 enough_pages = 2 * (qint64(stored_pages_) + logged.size());
     for (auto one = logged.cbegin(); one != logged.cend(); ++one) {
+        if (!holds(one.key()))
+            continue;
         const QByteArray newer = page(one.key());
-        if (one.key() <= page_count_ && !newer.isEmpty() && !write(one.key(), newer))
+        if (one.key() > enough_pages || newer.isEmpty() || !write(one.key(), newer))
             return false;
     }
     logged_.clear();
+    stored_pages_ = static_cast<quint32>(file_.size() / page_size_);
     log_.close();
     QFile::remove(file_.fileName() + u"-shm");
     return !log_.exists() || log_.remove();

@@ -2,9 +2,12 @@
 
 #include "common/extraction/page_file.h"
 
+#include <QHash>
+#include <QSet>
 #include <QtEndian>
 
 #include <array>
+#include <deque>
 #include <utility>
 #include <vector>
 
@@ -106,8 +109,7 @@ class page_walk
 public:
     /// When cutting, what is repeated is taken out; else the walk ends where it would be.
     page_walk(page_file &file, bool cutting)
-        : file_(file), cutting_(cutting), taken_by_(file.page_count() + 1, 0),
-          roots_walked_(file.page_count() + 1, false)
+        : file_(file), cutting_(cutting), taken_by_(file.stored_pages() + 1, 0)
     {
     }
 
@@ -133,34 +135,37 @@ private:
     };
 
     bool goes_on() const { return cutting_ || repeated_ == 0; }
-    bool is_in_file(quint64 page) const { return page > 0 && page <= file_.page_count(); }
     bool is_schema() const { return tree_ == 1; }
 
     void walk_tree(quint64 root)
     {
-        if (!is_in_file(root) || roots_walked_.at(root))
+        if (!file_.holds(root) || roots_walked_.contains(root))
             return;
-        roots_walked_.at(root) = true;
+        roots_walked_.insert(root);
         ++tree_;
         refer_to(static_cast<quint32>(root), 0);
-        while (!waiting_.empty()) {
-            const reference next = waiting_.back();
-            waiting_.pop_back();
+        // Level by level and from the left: what a damaged page takes wrongly stays with the pages
+        // before it, whose rows come first.
+        for (; !waiting_.empty(); waiting_.pop_front()) {
             if (goes_on())
-                visit(next);
+                visit(waiting_.front());
         }
     }
 
-    /// False for a page that the tree has already.
-    bool take(quint32 page) { return std::exchange(taken_by_.at(page), tree_) != tree_; }
+    /// Notes that the tree has the page; returns which tree took it last.
+    quint32 take(quint32 page)
+    {
+        return std::exchange(page < taken_by_.size() ? taken_by_.at(page) : taken_in_log_[page],
+                             tree_);
+    }
 
     /// False for a page that the tree has already. What lies outside the file or too deep is left
     /// to SQLite, which refuses it.
     bool refer_to(quint32 page, int depth)
     {
-        if (!is_in_file(page) || depth > greatest_depth)
+        if (!file_.holds(page) || depth > greatest_depth)
             return true;
-        if (!take(page))
+        if (take(page) == tree_)
             return false;
         waiting_.push_back({page, depth});
         return true;
@@ -178,10 +183,11 @@ private:
     const bool cutting_;
     int repeated_ = 0;
     quint32 tree_ = 0;
-    std::vector<quint32> taken_by_; ///< by page: the last tree that took it; 0: none
-    std::vector<bool> roots_walked_;
+    std::vector<quint32> taken_by_;        ///< by page: the last tree that took it; 0: none
+    QHash<quint32, quint32> taken_in_log_; ///< the same of pages that the file does not have yet
+    QSet<quint64> roots_walked_;
     std::vector<quint64> roots_;
-    std::vector<reference> waiting_;
+    std::deque<reference> waiting_;
 };
 
 int header_of(quint32 page)
@@ -207,9 +213,11 @@ void page_walk::visit(const reference &place)
     for (int i = 0; i < cells; ++i) {
         const int at = page.number_16(pointers + 2 * i);
         const cell one = read_cell(page, kind, at, file_.usable_size());
-        used += one.size;
-        // Cells that lie over each other stand for more bytes than the page has.
-        if (used > file_.page_size() || !take_overflow(one) ||
+        if (at + one.size <= file_.page_size()) // SQLite refuses others
+            used += one.size;
+        // Cells that lie over each other stand for more bytes than the page has. A damaged one or
+        // two must not cost the others.
+        if (used > 4 * file_.page_size() || !take_overflow(one) ||
             !refer_to(one.child, place.depth + 1))
             continue;
         if (is_schema() && kind == table_leaf)
@@ -234,9 +242,9 @@ bool page_walk::take_overflow(const cell &one)
 {
     quint64 left = one.payload_size - static_cast<quint64>(one.local_size);
     const auto held = static_cast<quint64>(file_.usable_size() - 4);
-    for (quint32 page = one.overflow_page; left > 0 && is_in_file(page);
+    for (quint32 page = one.overflow_page; left > 0 && file_.holds(page);
          page = page_bytes(file_.page(page)).number_32(0)) {
-        if (!take(page))
+        if (take(page) == tree_)
             return false;
         left -= qMin(left, held);
     }
@@ -248,7 +256,7 @@ quint64 page_walk::root_in_schema_row(const QByteArray &page, const cell &row)
 {
     QByteArray record = page.mid(row.payload_at, row.local_size);
     for (quint32 next = row.overflow_page;
-         static_cast<quint64>(record.size()) < row.payload_size && is_in_file(next);) {
+         static_cast<quint64>(record.size()) < row.payload_size && file_.holds(next);) {
         const QByteArray more = file_.page(next);
         record += more.mid(4, file_.usable_size() - 4);
         next = page_bytes(more).number_32(0);
@@ -286,9 +294,8 @@ void page_walk::write_cells(quint32 number, QByteArray page, const std::vector<i
 bool page_walk::has_repeated_free_page()
 {
     ++tree_;
-    const auto take_free = [this](quint32 page) {
-        return is_in_file(page) && std::exchange(taken_by_.at(page), tree_) == 0;
-    };
+    // New pages that are free at once are in no log.
+    const auto take_free = [this](quint32 page) { return !file_.holds(page) || take(page) == 0; };
     QByteArray content = file_.page(1);
     for (quint32 trunk = page_bytes(content).number_32(first_free_page_at); trunk != 0;) {
         if (!take_free(trunk))
