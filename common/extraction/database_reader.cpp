@@ -169,8 +169,12 @@ file_result write_rows(const file_reading &reading, QSqlQuery &rows, row_inserti
             return file_result::cancelled;
         if (!row.next(rows))
             break;
-        if (reading.prepare_row && !reading.prepare_row(row))
-            continue;
+        if (reading.prepare_row) {
+            if (!reading.prepare_row(row))
+                continue;
+            if (reading.run.cancelled()) // its look-ups may have ended early
+                return file_result::cancelled;
+        }
         if (row.interrupted() || insert.write(row) == row_insertion::outcome::interrupted)
             return file_result::cancelled;
     }
