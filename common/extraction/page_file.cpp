@@ -2,6 +2,8 @@
 
 #include <QtEndian>
 
+using namespace Qt::StringLiterals;
+
 namespace
 {
 
@@ -42,6 +44,8 @@ private:
 };
 
 } // namespace
+
+page_file::page_file(const QString &path) : file_(path), log_(path + u"-wal"_s) {}
 
 bool page_file::open()
 {
@@ -119,7 +123,7 @@ bool page_file::take_over_log()
     logged_.clear();
     stored_pages_ = static_cast<quint32>(file_.size() / page_size_);
     log_.close();
-    QFile::remove(file_.fileName() + u"-shm");
+    QFile::remove(file_.fileName() + u"-shm"_s);
     return !log_.exists() || log_.remove();
 }
 

@@ -13,7 +13,7 @@ public:
     /// Length of the header before the first page's own.
     static constexpr int header_size = 100;
 
-    explicit page_file(const QString &path) : file_(path), log_(path + u"-wal") {}
+    explicit page_file(const QString &path);
 
     /// False for what is no database.
     bool open();
