@@ -18,7 +18,8 @@ def _line(x1, y1, x2, y2):
 
 
 def _decades(values):
-    low, high = math.floor(math.log10(min(values))), math.ceil(math.log10(max(values)))
+    """Powers of ten around the values; a few rows above one do not open another decade."""
+    low, high = math.floor(math.log10(min(values))), math.ceil(math.log10(max(values)) - 0.01)
     return low, max(high, low + 1)
 
 
@@ -39,7 +40,9 @@ class _Panel:
         return TOP + PANEL_HEIGHT - (math.log10(value) - low) / (high - low) * PANEL_HEIGHT
 
     def draw(self, name, points):
-        parts = [_text(self.left + PANEL_WIDTH / 2, TOP - 12, name, size=14)]
+        middle = self.left + PANEL_WIDTH / 2
+        parts = [_text(middle, TOP - 12, name, size=14),
+                 _text(middle, TOP + PANEL_HEIGHT + 38, "rows")]
         for power in range(self.x_range[0], self.x_range[1] + 1):
             x = self.x(10 ** power)
             parts += [_line(x, TOP, x, TOP + PANEL_HEIGHT),
@@ -78,5 +81,4 @@ def svg(measured: list) -> str:
     for place, name in enumerate(names):
         panel = _Panel(LEFT + place * (PANEL_WIDTH + GAP), x_range, y_range)
         parts += panel.draw(name, [point for point in measured if point["reader"] == name])
-    parts.append(_text(LEFT + PANEL_WIDTH / 2, height - 12, "rows"))
     return "\n".join(parts) + "\n</svg>\n"
