@@ -2,7 +2,10 @@
 
 #include <QFileInfo>
 
+#include <algorithm>
 #include <array>
+#include <filesystem>
+#include <system_error>
 
 #ifdef Q_OS_UNIX
 #include <cerrno>
@@ -39,26 +42,41 @@ int open_read_only(const QByteArray &path, int flags)
 
 #ifdef Q_OS_LINUX
 
-/// Shares the blocks with the source, or lets the kernel copy them; false when the file systems
-/// offer neither. The copy may then hold a part of the source.
-bool copy_inside_kernel(const QFile &source, const QFile &copy)
+bool share_blocks(const QFile &source, const QFile &copy)
 {
-    if (::ioctl(copy.handle(), FICLONE, source.handle()) == 0)
-        return true;
-    qint64 left = source.size();
-    while (left > 0) {
-        const auto copied = ::copy_file_range(source.handle(), nullptr, copy.handle(), nullptr,
-                                              static_cast<size_t>(left), 0);
-        if (copied <= 0)
+    return ::ioctl(copy.handle(), FICLONE, source.handle()) == 0;
+}
+
+/// Lets the kernel copy what is no hole; false when the file systems do not offer it. The copy may
+/// then hold a part of the source.
+bool copy_inside_kernel(const QFile &source, QFile &copy)
+{
+    const off_t size = source.size();
+    off_t end = 0;
+    for (off_t at = 0; at < size; at = end) {
+        at = ::lseek(source.handle(), at, SEEK_DATA);
+        if (at < 0 && errno == ENXIO) // a hole up to the end
+            break;
+        end = at < 0 ? at : ::lseek(source.handle(), at, SEEK_HOLE);
+        if (end <= at)
             return false;
-        left -= copied;
+        for (off_t to = at; at < end;) {
+            if (::copy_file_range(source.handle(), &at, copy.handle(), &to,
+                                  static_cast<size_t>(end - at), 0) <= 0)
+                return false;
+        }
     }
-    return true;
+    return copy.resize(size);
 }
 
 #else
 
-bool copy_inside_kernel(const QFile &, const QFile &)
+bool share_blocks(const QFile &, const QFile &)
+{
+    return false;
+}
+
+bool copy_inside_kernel(const QFile &, QFile &)
 {
     return false;
 }
@@ -73,10 +91,21 @@ bool copy_by_reading(QFile &source, QFile &copy)
     for (;;) {
         const qint64 got = source.read(buffer.data(), buffer.size());
         if (got <= 0)
-            return got == 0 && copy.flush();
-        if (copy.write(buffer.data(), got) != got)
+            return got == 0 && copy.flush() && copy.resize(copy.pos());
+        const bool zeros =
+            std::all_of(buffer.begin(), buffer.begin() + got, [](char byte) { return byte == 0; });
+        if (zeros ? !copy.seek(copy.pos() + got) : copy.write(buffer.data(), got) != got)
             return false;
     }
+}
+
+/// A file full of holes may have any size. Where the room is not known, the copy is tried.
+bool fits_beside(qint64 size, const QFile &copy)
+{
+    std::error_code unknown;
+    const auto room =
+        std::filesystem::space(copy.filesystemFileName().parent_path(), unknown).available;
+    return unknown || static_cast<quint64>(size) <= room;
 }
 
 } // namespace
@@ -107,6 +136,17 @@ bool evidence_file::open_for_reading(links last_component)
 #endif
 }
 
+bool evidence_file::open_whole(qint64 largest)
+{
+    if (!open_for_reading())
+        return false;
+    if (size() <= largest)
+        return true;
+    close();
+    setErrorString(u"Too large to be held in memory"_s);
+    return false;
+}
+
 bool copy_evidence_file(const QString &source, const QString &copy,
                         evidence_file::links last_component)
 {
@@ -116,7 +156,8 @@ bool copy_evidence_file(const QString &source, const QString &copy,
     QFile to(copy);
     if (!to.open(QIODevice::WriteOnly | QIODevice::NewOnly))
         return false;
-    if (copy_inside_kernel(from, to) || copy_by_reading(from, to))
+    if (share_blocks(from, to) || (fits_beside(from.size(), to) &&
+                                   (copy_inside_kernel(from, to) || copy_by_reading(from, to))))
         return true;
     to.close();
     QFile::remove(copy);

@@ -15,10 +15,20 @@ public:
 
     /// False, with errorString() set, when there is no regular file to read.
     bool open_for_reading(links last_component = links::followed);
+    /// For what must be in memory as a whole, or has lines that may be as long as the file: also
+    /// false for a larger file. One full of holes takes no room in the evidence, and all the memory
+    /// of the host.
+    bool open_whole(qint64 largest = largest_bytes);
+
+    // Far more than browsers write, in bytes. Values of a JSON document take several times its
+    // size.
+    static constexpr qint64 largest_bytes = 512LL << 20;
+    static constexpr qint64 largest_json = 128LL << 20;
 };
 
 /// Copies a regular file of the evidence by the cheapest means the system offers (shared blocks,
-/// copying inside the kernel, reading and writing). On failure no partial copy is left.
+/// copying inside the kernel, reading and writing). Holes stay holes. Refused when the file is
+/// larger than the room that is left; on failure no partial copy is left.
 bool copy_evidence_file(const QString &source, const QString &copy,
                         evidence_file::links last_component = evidence_file::links::followed);
 

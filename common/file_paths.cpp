@@ -156,17 +156,21 @@ void plugin_static_function::copy_directory(const QString &source, const QString
 {
     const QString signature =
         u"static void plugin_static_function::copy_directory(QString, QString)"_s;
-    if (!QDir(source).exists()) {
+    if (source.isEmpty() || !QDir(source).exists()) {
         app_debug(u"[copy_directory] source diectory does not exist ----FAILED---- :"_s + source,
                   signature);
         return;
     }
-    QDir().mkpath(destination);
-    if (is_inside_folder(destination, source)) {
+    // Asked of what exists, since a folder that is created in the source would be a trace already.
+    QString existing = QDir::cleanPath(QDir(destination).absolutePath());
+    while (!QFileInfo::exists(existing) && !QDir(existing).isRoot())
+        existing = QFileInfo(existing).path();
+    if (is_inside_folder(existing, source)) {
         app_debug(u"[copy_directory] Error:destination lies in the source, "_s + destination,
                   signature);
         return;
     }
+    QDir().mkpath(destination);
     QDirIterator entries(source,
                          QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
     while (entries.hasNext()) {

@@ -52,7 +52,7 @@ public:
     static int source_count_int; ///< -1 when not set
     static std::atomic<bool> bool_cancel_extraction;
 
-    /// Resets all of the above for a new run; an open debug file stays open.
+    /// Resets all of the above but the OS version for a new run; an open debug file stays open.
     static void set_essentials();
     static void set_engine_type(int engine_type);
     static void set_source_count(int source_count);

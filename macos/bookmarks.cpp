@@ -77,6 +77,10 @@ const record_reader bookmark_lines = {
                           source_count_name}},
 };
 
+/// Characters. The walk's text can grow by every folder of a made-up file, and a bookmark that held
+/// on to all of it would make each folder copy it.
+constexpr qsizetype longest_folder_path = 30'000;
+
 /// A JSON string, or an empty text for every other type.
 QString string_of(const QJsonValue &value)
 {
@@ -122,7 +126,9 @@ void opera_macos::walk_bookmarks(const bookmark_walk &walk, const QJsonValue &ch
             const QJsonObject entry = entries.at(i).toObject();
             const QString type = string_of(entry.value("type"_L1));
             if (type == "url"_L1) {
-                record_row row(state_.run, walk.file, bookmark_record(entry, current_folder_path_));
+                record_row row(
+                    state_.run, walk.file,
+                    bookmark_record(entry, current_folder_path_.left(longest_folder_path)));
                 walk.rows.write(row);
             } else if (type == "folder"_L1) {
                 walk_bookmarks(walk, entry.value("children"_L1), entry, false);
@@ -173,7 +179,7 @@ void opera_macos::read_bookmark_roots(const record_reader &reader, const QString
     const QStringList files = source_path.isEmpty() ? QStringList() : QStringList(source_path);
     read_records(reader, files, state_.run, [&](record_sink &sink) {
         evidence_file file(sink.file().path);
-        if (!file.open_for_reading()) {
+        if (!file.open_whole(evidence_file::largest_json)) {
             plugin_static_function::app_debug(
                 u"[extract_11_bookmarks] source file opening ---FAILED--- "_s + sink.file().path,
                 QString::fromUtf8(reader.signature));
@@ -293,7 +299,7 @@ void opera_macos::extract_bookmark()
     read_records(bookmark_lines, found_.bookmarks, state_.run, [](record_sink &sink) {
         const QString signature = QString::fromUtf8(bookmark_lines.signature);
         evidence_file file(sink.file().path);
-        if (file.open_for_reading()) {
+        if (file.open_whole()) {
             read_bookmark_lines(file, sink);
         } else {
             plugin_static_function::app_debug(

@@ -229,7 +229,22 @@ QString opera_macos::get_name_for_downloads(const QString &path)
     return not_null(path.section(u'/', -1));
 }
 
-void opera_macos::derive_download(source_row &row)
+file_description opera_macos::describe_once(const QString &path, description_cache &known) const
+{
+    // A path can be written in many ways. A link has a name of its own.
+    const QFileInfo info(path);
+    const QString key = info.canonicalFilePath() + u'/' + info.fileName();
+    if (const file_description *described = known.object(key))
+        return *described;
+    const file_description file = describe_file(path);
+    constexpr qsizetype short_texts = 1'000;
+    const qsizetype text = short_texts + file.where_froms.size() + file.attribute_document.size() +
+                           file.attribute_values.size();
+    known.insert(key, new file_description(file), qMin(text, known.maxCost()));
+    return file;
+}
+
+void opera_macos::derive_download(source_row &row, description_cache &known)
 {
     using common = plugin_static_function;
     const extraction_run &run = row.run();
@@ -240,7 +255,7 @@ void opera_macos::derive_download(source_row &row)
     const bool exists = !inside.trimmed().isEmpty() && is_inside_folder(complete, run.source_root);
     file_description file;
     if (exists)
-        file = describe_file(complete);
+        file = describe_once(complete, known);
     else
         file.attribute_document = get_extended_attributes({}, {}).xml_text;
 
@@ -275,20 +290,22 @@ void opera_macos::derive_download(source_row &row)
     set(attribute_values, file.attribute_values);
 }
 
+int opera_macos::read_downloads(const database_reader &reader)
+{
+    constexpr qsizetype most_text = 500'000; // characters, of all descriptions together
+    description_cache known(most_text);
+    return read_databases(reader, found_.downloads, state_.run, [&](database_row &row) {
+        derive_download(row, known);
+        return true;
+    });
+}
+
 int opera_macos::extract_download_11()
 {
-    return read_databases(macos_readers::download_11, found_.downloads, state_.run,
-                          [this](database_row &row) {
-                              derive_download(row);
-                              return true;
-                          });
+    return read_downloads(macos_readers::download_11);
 }
 
 void opera_macos::extract_download()
 {
-    read_databases(macos_readers::download, found_.downloads, state_.run,
-                   [this](database_row &row) {
-                       derive_download(row);
-                       return true;
-                   });
+    read_downloads(macos_readers::download);
 }

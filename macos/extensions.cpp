@@ -79,6 +79,8 @@ QString extension_folder(const QString &recorded, const QString &profile, const 
         return {};
     if (!recorded.startsWith(u'/'))
         return profile + extensions + recorded;
+    if (const QString as_recorded = root + recorded.mid(1); QFileInfo(as_recorded).isDir())
+        return as_recorded;
     if (const qsizetype at = recorded.indexOf(applications); at >= 0)
         return root + recorded.mid(at + 1);
     if (const qsizetype at = recorded.lastIndexOf(extensions); at >= 0)
@@ -93,8 +95,9 @@ void opera_macos::extract_extensions(const QString &source_path)
     const QStringList files = source_path.isEmpty() ? QStringList() : QStringList(source_path);
     read_records(extensions_reader, files, state_.run, [this](record_sink &sink) {
         evidence_file file(sink.file().path);
-        const QJsonDocument document =
-            file.open_for_reading() ? QJsonDocument::fromJson(file.readAll()) : QJsonDocument();
+        const QJsonDocument document = file.open_whole(evidence_file::largest_json)
+                                           ? QJsonDocument::fromJson(file.readAll())
+                                           : QJsonDocument();
         if (!document.isObject()) {
             plugin_static_function::app_debug(
                 u"[extract_extensions_and_themes] source file opening ---FAILED--- "_s +
@@ -104,6 +107,7 @@ void opera_macos::extract_extensions(const QString &source_path)
         }
         const QJsonObject settings =
             document.object().value("extensions"_L1).toObject().value("settings"_L1).toObject();
+        QHash<QString, QString> copies;
         for (auto entry = settings.begin(); entry != settings.end(); ++entry) {
             const QJsonObject extension = entry.value().toObject();
             const QJsonObject manifest = extension.value("manifest"_L1).toObject();
@@ -112,7 +116,7 @@ void opera_macos::extract_extensions(const QString &source_path)
                                  QFileInfo(sink.file().path).path(), state_.run.source_root);
             const exported_picture picture =
                 export_extension_picture(folder, entry.key(), manifest, sink.file(), state_.run,
-                                         QString::fromUtf8(extensions_reader.signature));
+                                         QString::fromUtf8(extensions_reader.signature), copies);
             if (!sink.write({json_text(manifest.value("name"_L1)),
                              json_text(manifest.value("description"_L1)),
                              json_text(manifest.value("version"_L1)),

@@ -4,6 +4,7 @@
 #include "common/host_records.h"
 #include "common/metadata/metadata_records.h"
 
+#include <QCache>
 #include <QList>
 #include <QString>
 #include <QStringList>
@@ -19,6 +20,7 @@ class plugin_helper_functions;
 class record_sink;
 class row_insertion;
 class source_row;
+struct database_reader;
 struct record_reader;
 struct struct_thumbnail_info;
 
@@ -231,8 +233,12 @@ private:
     /// Everything that is known about an existing file of the source.
     file_description describe_file(const QString &path) const;
     QString torrent_names_of(const QString &path) const;
+    /// What is known about files that several downloads name.
+    using description_cache = QCache<QString, file_description>;
+    file_description describe_once(const QString &path, description_cache &known) const;
     /// Puts the values of a download that depend on the downloaded file into the row.
-    void derive_download(source_row &row);
+    void derive_download(source_row &row, description_cache &known);
+    int read_downloads(const database_reader &reader);
     bool read_cache_folder(record_sink &sink);
 
     /// Where the entries of a walk go.

@@ -74,7 +74,7 @@ void opera_macos::extract_sessions_11()
     read_records(sessions_11, found_.sessions, state_.run, [this](record_sink &sink) {
         const QString &path = sink.file().path;
         evidence_file file(path);
-        if (!file.open_for_reading()) {
+        if (!file.open_whole()) {
             const QString signature = QString::fromUtf8(sessions_11.signature);
             plugin_static_function::app_debug(
                 u"[extract_sessions_11] file open -----FAILED-----"_s + path, signature);

@@ -54,41 +54,37 @@ struct profile_look_up {
 
 /// Calls `each` for the profile's rows until it returns false.
 void for_each_profile_row(const profile_look_up &look_up, const QString &guid,
-                          const QString &web_data_path, extraction_run &run,
+                          named_connection &source, extraction_run &run,
                           const std::function<bool(const QSqlQuery &)> &each)
 {
     using common = plugin_static_function;
     const QString signature = QString::fromUtf8(look_up.signature);
     common::app_debug(QString::fromUtf8(look_up.starts), signature);
-    {
-        named_connection source(signature, web_data_path, named_connection::access::read_only);
-        const QString sql = pasted_statement(look_up.select, guid);
-        if (source.is_open()) {
-            QSqlQuery query(source.database());
-            query.setForwardOnly(true);
-            QString error;
-            if (sql.isEmpty())
-                error = unsafe_key_error();
-            else if (!query.exec(sql))
-                error = query.lastError().text();
-            else
-                error = for_each_found_row(query, query.record().count(), run, each);
-            if (!error.isEmpty())
-                log_failure(query_failure(look_up.query_failed), signature,
-                            {.error = error, .query = sql});
-        } else {
-            log_failure(open_failure(look_up.open_failed), signature,
-                        {.error = source.error_text()});
-        }
+    const QString sql = pasted_statement(look_up.select, guid);
+    if (source.is_open()) {
+        QSqlQuery query(source.database());
+        query.setForwardOnly(true);
+        QString error;
+        if (sql.isEmpty())
+            error = unsafe_key_error();
+        else if (!query.exec(sql))
+            error = query.lastError().text();
+        else
+            error = for_each_found_row(query, query.record().count(), run, each);
+        if (!error.isEmpty())
+            log_failure(query_failure(look_up.query_failed), signature,
+                        {.error = error, .query = sql});
+    } else {
+        log_failure(open_failure(look_up.open_failed), signature, {.error = source.error_text()});
     }
     common::app_debug(QString::fromUtf8(look_up.ends), signature);
 }
 
-QString joined_rows(const profile_look_up &look_up, const QString &guid,
-                    const QString &web_data_path, extraction_run &run)
+QString joined_rows(const profile_look_up &look_up, const QString &guid, named_connection &source,
+                    extraction_run &run)
 {
     QStringList values;
-    for_each_profile_row(look_up, guid, web_data_path, run, [&values](const QSqlQuery &row) {
+    for_each_profile_row(look_up, guid, source, run, [&values](const QSqlQuery &row) {
         values.append(row.value(0).toString());
         return true;
     });
@@ -141,6 +137,18 @@ const database_reader winos_readers::autofill_profiles = {
                          {"autofill_profile_phones", "guid"}},
 };
 
+named_connection &opera_winos::profile_source(const QString &signature,
+                                              const QString &web_data_path)
+{
+    std::unique_ptr<named_connection> &kept = profile_sources_[signature];
+    if (!kept || !kept->is_open() || kept->database().databaseName() != web_data_path) {
+        kept.reset(); // before another connection takes its name
+        kept = std::make_unique<named_connection>(signature, web_data_path,
+                                                  named_connection::access::read_only);
+    }
+    return *kept;
+}
+
 opera_winos::autofill_profile_info
 opera_winos::extract_name_for_autofill_profiles(const QString &guid, const QString &web_data_path)
 {
@@ -155,14 +163,16 @@ opera_winos::extract_name_for_autofill_profiles(const QString &guid, const QStri
                         "query_source_web_data",
         .ends = "[extract_name_for_autofill_profiles]  -Ends"};
     autofill_profile_info info;
-    for_each_profile_row(look_up, guid, web_data_path, state_.run, [&info](const QSqlQuery &row) {
-        QStringList names = {row.value(0).toString(), row.value(1).toString(),
-                             row.value(2).toString()};
-        names.removeAll(QString()); // a missing middle name leaves no second blank
-        info = {not_null(names.join(u' ')), not_null(row.value(3).toString()),
-                gender_text(not_null(row.value(4).toString()))};
-        return false;
-    });
+    for_each_profile_row(
+        look_up, guid, profile_source(QString::fromUtf8(look_up.signature), web_data_path),
+        state_.run, [&info](const QSqlQuery &row) {
+            QStringList names = {row.value(0).toString(), row.value(1).toString(),
+                                 row.value(2).toString()};
+            names.removeAll(QString()); // a missing middle name leaves no second blank
+            info = {not_null(names.join(u' ')), not_null(row.value(3).toString()),
+                    gender_text(not_null(row.value(4).toString()))};
+            return false;
+        });
     return info;
 }
 
@@ -177,7 +187,9 @@ QString opera_winos::extract_email_for_autofill_profiles(const QString &guid,
         .query_failed = "[extract_email_for_autofill_profiles]---FAILED--- to execute query "
                         "query_source_web_data",
         .ends = "[extract_email_for_autofill_profiles]  -Ends"};
-    return joined_rows(look_up, guid, web_data_path, state_.run);
+    return joined_rows(look_up, guid,
+                       profile_source(QString::fromUtf8(look_up.signature), web_data_path),
+                       state_.run);
 }
 
 QString opera_winos::extract_phone_for_autofill_profiles(const QString &guid,
@@ -191,7 +203,9 @@ QString opera_winos::extract_phone_for_autofill_profiles(const QString &guid,
         .query_failed = "[extract_phone_for_autofill_profiles]---FAILED--- to execute query "
                         "query_source_web_data",
         .ends = "[extract_phone_for_autofill_profiles]  -Ends"};
-    return joined_rows(look_up, guid, web_data_path, state_.run);
+    return joined_rows(look_up, guid,
+                       profile_source(QString::fromUtf8(look_up.signature), web_data_path),
+                       state_.run);
 }
 
 void opera_winos::extract_webdata_autofill_profiles()
@@ -206,4 +220,5 @@ void opera_winos::extract_webdata_autofill_profiles()
                            extract_phone_for_autofill_profiles(guid, copy)};
             return true;
         });
+    profile_sources_.clear();
 }

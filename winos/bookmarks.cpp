@@ -80,7 +80,7 @@ void opera_winos::extract_bookmark()
 {
     read_records(bookmarks_reader, found_.bookmarks, state_.run, [this](record_sink &sink) {
         evidence_file file(sink.file().path);
-        if (!file.open_for_reading()) {
+        if (!file.open_whole()) {
             log_failure(open_failure("[extract_bookmarks] File Open ---FAILED---"),
                         QString::fromUtf8(bookmarks_reader.signature),
                         {.error = file.errorString()});

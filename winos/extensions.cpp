@@ -51,7 +51,8 @@ void report(const char *text, const QString &path)
 QJsonObject read_object(const QString &path)
 {
     evidence_file file(path);
-    return file.open_for_reading() ? relaxed_json_object(file.readAll()) : QJsonObject();
+    return file.open_whole(evidence_file::largest_json) ? relaxed_json_object(file.readAll())
+                                                        : QJsonObject();
 }
 
 /// The extension's own texts in its default language. Their names do not tell case.
@@ -69,7 +70,8 @@ public:
                              json_text(entry.value().toObject().value("message"_L1)));
     }
 
-    /// The text with each "__MSG_name__" replaced by the message; unknown ones stay.
+    /// The text with each "__MSG_name__" replaced by the message. Unknown ones stay, and all that
+    /// come when the text has grown longer than any name or description.
     QString resolved(const QString &text) const
     {
         static const QRegularExpression mark(u"__MSG_([A-Za-z0-9_@]+?)__"_s);
@@ -78,13 +80,17 @@ public:
         for (auto marks = mark.globalMatch(text); marks.hasNext();) {
             const QRegularExpressionMatch found = marks.next();
             result += QStringView(text).sliced(copied, found.capturedStart() - copied);
-            result += messages_.value(found.captured(1).toLower(), found.captured());
+            result += result.size() < longest_text
+                          ? messages_.value(found.captured(1).toLower(), found.captured())
+                          : found.captured();
             copied = found.capturedEnd();
         }
         return result + QStringView(text).sliced(copied);
     }
 
 private:
+    static constexpr qsizetype longest_text = 100'000; ///< characters
+
     QHash<QString, QString> messages_;
 };
 
@@ -102,8 +108,9 @@ bool write_version(const QString &manifest_path, const QString &id, record_sink 
     const QString folder = QFileInfo(manifest_path).path();
     const QString locale = json_text(manifest.value("default_locale"_L1));
     const extension_messages messages(folder, locale);
+    QHash<QString, QString> copies; // none are shared: each version has a folder of its own
     const exported_picture picture = export_extension_picture(
-        folder, id, manifest, file, run, QString::fromUtf8(extensions_reader.signature));
+        folder, id, manifest, file, run, QString::fromUtf8(extensions_reader.signature), copies);
 
     // Each row is traced to its own manifest instead of to the folder of all.
     sink.insert().begin_file(file);

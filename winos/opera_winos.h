@@ -2,11 +2,15 @@
 
 #include "common/extraction/extractor_state.h"
 #include "common/host_records.h"
+#include "common/named_connection.h"
 
 #include <QList>
 #include <QString>
 #include <QStringList>
 #include <QWidget>
+
+#include <map>
+#include <memory>
 
 class plugin_helper_functions;
 class record_sink;
@@ -94,7 +98,8 @@ public:
     /// Table credits_cards; card numbers stay enciphered.
     void extract_webdata_credit_cards();
     /// Look-ups of one profile in a private copy of a "Web Data" file. A failure is logged and
-    /// gives empty texts.
+    /// gives empty texts. Each keeps its connection to the copy until it is given another one, or
+    /// the extractor above ends.
     autofill_profile_info extract_name_for_autofill_profiles(const QString &guid,
                                                              const QString &web_data_path);
     QString extract_email_for_autofill_profiles(const QString &guid, const QString &web_data_path);
@@ -158,9 +163,12 @@ private:
     bool derive_visit(source_row &row) const;
     void derive_download(source_row &row);
     void read_sessions(const record_reader &reader, const QStringList &files);
+    /// Opening reads the whole schema: a connection serves all rows of a file.
+    named_connection &profile_source(const QString &signature, const QString &web_data_path);
 
     extractor_state state_;
     found_files found_;
+    std::map<QString, std::unique_ptr<named_connection>> profile_sources_; ///< by signature
     struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_desktop_info desktop_info_;
     struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_general_info general_info_;
 };

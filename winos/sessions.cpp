@@ -46,7 +46,7 @@ QStringList opera_winos::extract_session_data(const QString &path)
     const QString signature = u"QStringList opera_winos::extract_session_data(QString)"_s;
     plugin_static_function::app_debug(u"[extract_session_data] - Starts"_s, signature);
     evidence_file file(path);
-    if (!file.open_for_reading()) {
+    if (!file.open_whole()) {
         log_failure(open_failure("[extract_session_data]File Open ---FAILED---"), signature,
                     {.error = file.errorString()});
         return {};

@@ -232,30 +232,32 @@ file_result read_path(const database_reader &reader, const QString &signature, c
         return file_result::done;
 
     const qint64 copy_size = QFileInfo(copy).size() + QFileInfo(copy + u"-wal").size();
+    const auto tell = [&](const QString &text) {
+        plugin_static_function::app_debug(operation_tag(signature) + text + path, signature);
+    };
     const int repeated = remove_repeated_pages(copy);
     if (repeated != 0)
-        plugin_static_function::app_debug(
-            operation_tag(signature) +
-                u" pages of the source are used twice, rows may be missing -----FAILED-----"_s +
-                path,
-            signature);
+        tell(u" pages of the source are used twice, rows may be missing -----FAILED-----"_s);
     if (repeated < 0)
         return file_result::done;
 
     const source_file file(path, run);
     run.look_up_budget = reading_budget(copy_size);
     run.folder_sizes.clear();
+    // The schema is made fit before the source connection reads it.
+    const copy_state state =
+        prepare_private_copy(copy, signature + u"_copy", reader.searched_columns);
+    if (state == copy_state::mended)
+        tell(u" the schema of the source computes, rows may be missing -----FAILED-----"_s);
     named_connection source(reader.source_connection ? QString::fromUtf8(reader.source_connection)
                                                      : signature + u'1',
                             copy, named_connection::access::read_only);
     const file_reading reading = {reader,      signature, run, file, source.database(),
                                   prepare_row, copy_size};
-    if (!source.is_open()) {
-        reading.log(reader.source_failed, source.error_text(), {});
-        return file_result::done;
-    }
-    if (!prepare_private_copy(source.database(), signature + u"_copy", reader.searched_columns)) {
-        reading.log(reader.source_failed, u"the schema computes values"_s, {});
+    const bool fit = state != copy_state::unfit;
+    if (!source.is_open() || !fit) {
+        reading.log(reader.source_failed,
+                    fit ? source.error_text() : u"the schema computes values"_s, {});
         return file_result::done;
     }
     return read_file(reading, writer);

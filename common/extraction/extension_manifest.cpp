@@ -9,6 +9,8 @@
 
 using namespace Qt::StringLiterals;
 
+static constexpr qint64 largest_picture = 16 << 20; // bytes
+
 QString json_text(const QJsonValue &value)
 {
     if (value.isDouble())
@@ -45,7 +47,8 @@ QString manifest_picture(const QJsonObject &manifest)
 
 exported_picture export_extension_picture(const QString &folder, const QString &id,
                                           const QJsonObject &manifest, const source_file &file,
-                                          const extraction_run &run, const QString &signature)
+                                          const extraction_run &run, const QString &signature,
+                                          QHash<QString, QString> &earlier_copies)
 {
     const QString picture = manifest_picture(manifest);
     if (picture.isEmpty() || folder.isEmpty())
@@ -59,13 +62,19 @@ exported_picture export_extension_picture(const QString &folder, const QString &
     const QString root = QFileInfo(run.source_root).canonicalFilePath();
     exported_picture exported;
     exported.source_path = resolved.filePath().mid(root == "/"_L1 ? 0 : root.size());
+    if (const QString copy = earlier_copies.value(resolved.filePath()); !copy.isEmpty()) {
+        exported.copy_path = copy;
+        return exported;
+    }
     const QString name =
         safe_picture_name({plugin_static_function::get_source_count_name(), file.system_user, id,
                            json_text(manifest.value("version"_L1)), resolved.completeBaseName()},
                           resolved.suffix().isEmpty() ? QString() : u'.' + resolved.suffix());
-    if (!name.isEmpty() && copy_picture(source, run.result_directory + u"Images/" + name))
+    if (!name.isEmpty() && resolved.size() <= largest_picture &&
+        copy_picture(source, run.result_directory + u"Images/" + name)) {
         exported.copy_path = u"./Images/"_s + name;
-    else
+        earlier_copies.insert(resolved.filePath(), exported.copy_path);
+    } else
         plugin_static_function::app_debug(operation_tag(signature) +
                                               u" picture is not copied ---------FAILED----------" +
                                               resolved.filePath(),

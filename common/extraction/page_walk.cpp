@@ -8,6 +8,7 @@
 
 #include <array>
 #include <deque>
+#include <memory>
 #include <utility>
 #include <vector>
 
@@ -109,7 +110,7 @@ class page_walk
 public:
     /// When cutting, what is repeated is taken out; else the walk ends where it would be.
     page_walk(page_file &file, bool cutting)
-        : file_(file), cutting_(cutting), taken_by_(file.stored_pages() + 1, 0)
+        : file_(file), cutting_(cutting), taken_by_(file.stored_pages() / block_pages + 1)
     {
     }
 
@@ -155,8 +156,13 @@ private:
     /// Notes that the tree has the page; returns which tree took it last.
     quint32 take(quint32 page)
     {
-        return std::exchange(page < taken_by_.size() ? taken_by_.at(page) : taken_in_log_[page],
-                             tree_);
+        const std::size_t number = page / block_pages;
+        if (number >= taken_by_.size())
+            return std::exchange(taken_in_log_[page], tree_);
+        auto &block = taken_by_.at(number);
+        if (!block)
+            block = std::make_unique<tree_numbers>();
+        return std::exchange(block->at(page % block_pages), tree_);
     }
 
     /// False for a page that the tree has already. What lies outside the file or too deep is left
@@ -183,7 +189,11 @@ private:
     const bool cutting_;
     int repeated_ = 0;
     quint32 tree_ = 0;
-    std::vector<quint32> taken_by_;        ///< by page: the last tree that took it; 0: none
+    // By page, the last tree that took it; 0: none. A file can be all holes, so that memory is
+    // taken for pages that are met and not for its size.
+    static constexpr quint32 block_pages = 1024;
+    using tree_numbers = std::array<quint32, block_pages>;
+    std::vector<std::unique_ptr<tree_numbers>> taken_by_;
     QHash<quint32, quint32> taken_in_log_; ///< the same of pages that the file does not have yet
     QSet<quint64> roots_walked_;
     std::vector<quint64> roots_;

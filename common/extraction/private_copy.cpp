@@ -5,27 +5,64 @@
 #include <QStringList>
 #include <QtSql/QSqlQuery>
 
+#include <optional>
+
 using namespace Qt::StringLiterals;
 
 namespace
 {
+
+/// What the schema may hold, told by the text that SQLite goes by when it reads the schema. SQLite
+/// itself writes these texts so; the column "type" proves nothing. Indexes of constraints have
+/// none.
+constexpr QLatin1StringView entries_that_compute =
+    " from sqlite_master where sql is not null and not (typeof(sql) = 'text' and "
+    "(sql like 'create table %' or sql like 'create index %' or "
+    "sql like 'create unique index %'))"_L1;
+
+/// Computed columns. SQLite must not be asked while the schema holds anything else that computes.
+constexpr QLatin1StringView computed_columns =
+    " from pragma_table_list as t, pragma_table_xinfo(t.name) as c "
+    "where t.schema = 'main' and c.hidden in (2, 3)"_L1;
+
+/// Each further one costs a pass over the whole schema.
+constexpr int most_columns_removed_singly = 20;
 
 QString quoted(QString name)
 {
     return u'"' + name.replace(u'"', u"\"\""_s) + u'"';
 }
 
-/// The statements that remove from the schema what computes.
-QStringList removals(QSqlDatabase &copy)
+/// Whether the statement has a row; nothing when it cannot be run.
+std::optional<bool> finds(QSqlDatabase &copy, const QString &select)
 {
     QSqlQuery query(copy);
     query.setForwardOnly(true);
-    query.exec(u"select type, name from sqlite_master where type = 'view' or "
-               "(type = 'table' and (sql like 'create virtual%' or exists (select 1 from "
-               "pragma_table_xinfo(sqlite_master.name) where hidden in (2, 3))))"_s);
+    if (!query.exec(select))
+        return {};
+    return query.next();
+}
+
+/// A schema that cannot be read does nothing: no statement can then be run. What cannot be asked of
+/// one that can be read counts as computed.
+bool computes(const QString &connection_name, const QString &copy)
+{
+    named_connection reading(connection_name, copy, named_connection::access::read_only);
+    const auto entry = finds(reading.database(), u"select 1"_s + entries_that_compute);
+    if (!entry || *entry)
+        return entry.has_value();
+    return finds(reading.database(), u"select 1"_s + computed_columns).value_or(true);
+}
+
+QStringList column_removals(const QString &connection_name, const QString &copy)
+{
+    named_connection reading(connection_name, copy, named_connection::access::read_only);
+    QSqlQuery query(reading.database());
+    query.setForwardOnly(true);
+    query.exec(u"select t.name, c.name"_s + computed_columns);
     QStringList statements;
-    while (query.next())
-        statements.append(u"drop " + query.value(0).toString() + u' ' +
+    while (query.next() && statements.size() < most_columns_removed_singly)
+        statements.append(u"alter table " + quoted(query.value(0).toString()) + u" drop column " +
                           quoted(query.value(1).toString()));
     return statements;
 }
@@ -67,19 +104,37 @@ void execute(const QString &connection_name, const QString &path, const QStringL
         query.exec(statement);
 }
 
+/// Each step has a connection of its own, which sees the schema as the one before left it.
+void remove_what_computes(const QString &connection_name, const QString &copy)
+{
+    const QString schema_is_data = u"pragma writable_schema = on"_s;
+    execute(connection_name, copy, {schema_is_data, u"delete"_s + entries_that_compute});
+    execute(connection_name, copy, column_removals(connection_name, copy));
+    execute(connection_name, copy,
+            {schema_is_data, u"delete from sqlite_master where tbl_name collate nocase in "
+                             "(select t.name"_s +
+                                 computed_columns + u')'});
+}
+
 } // namespace
 
-bool prepare_private_copy(QSqlDatabase &copy, const QString &connection_name,
-                          const std::vector<searched_column> &searched_columns)
+copy_state prepare_private_copy(const QString &copy, const QString &connection_name,
+                                const std::vector<searched_column> &searched_columns)
 {
-    if (const QStringList statements = removals(copy); !statements.isEmpty()) {
-        execute(connection_name, copy.databaseName(), statements);
-        if (!removals(copy).isEmpty())
-            return false;
+    auto state = copy_state::as_it_was;
+    if (computes(connection_name, copy)) {
+        remove_what_computes(connection_name, copy);
+        if (computes(connection_name, copy))
+            return copy_state::unfit;
+        state = copy_state::mended;
+    }
+    QStringList indexes;
+    if (!searched_columns.empty()) {
+        named_connection reading(connection_name, copy, named_connection::access::read_only);
+        indexes = missing_indexes(reading.database(), searched_columns);
     }
     // One that fails is left to the look-ups, which then take longer.
-    if (const QStringList statements = missing_indexes(copy, searched_columns);
-        !statements.isEmpty())
-        execute(connection_name, copy.databaseName(), statements);
-    return true;
+    if (!indexes.isEmpty())
+        execute(connection_name, copy, indexes);
+    return state;
 }

@@ -2,6 +2,7 @@
 
 #include "common/plugin_static_function.h"
 
+#include <QFileInfo>
 #include <QtSql/QSqlDriver>
 #include <QtSql/QSqlError>
 
@@ -38,15 +39,29 @@ void row_insertion::begin_file(const source_file &file)
             bound_.replace(position, rule.of_file(run_, file));
         ++position;
     }
+    const QFileInfo info(file.path);
+    allowance_ =
+        writing_allowance(info.isFile() ? info.size() + QFileInfo(file.path + u"-wal").size() : 0);
+}
+
+void row_insertion::bind(source_row &row)
+{
+    const bool had_cut = allowance_.has_cut();
+    allowance_.begin_row();
+    for (int position = 0; const value_rule &rule : statement_.values) {
+        if (rule.of_row)
+            bound_.replace(position, allowance_.admit(rule.of_row(row, rule.column)));
+        ++position;
+    }
+    if (allowance_.has_cut() && !had_cut)
+        plugin_static_function::app_debug(
+            operation_tag(signature_) + u" long texts are cut -----FAILED-----"_s + row.file().path,
+            signature_);
 }
 
 row_insertion::outcome row_insertion::write(source_row &row)
 {
-    for (int position = 0; const value_rule &rule : statement_.values) {
-        if (rule.of_row)
-            bound_.replace(position, rule.of_row(row, rule.column));
-        ++position;
-    }
+    bind(row);
     if (row.interrupted())
         return outcome::interrupted;
 

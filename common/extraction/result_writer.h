@@ -2,6 +2,7 @@
 
 #include "common/extraction/bound_values.h"
 #include "common/extraction/failure_log.h"
+#include "common/extraction/reading_budget.h"
 #include "common/extraction/value_rules.h"
 #include "common/named_connection.h"
 
@@ -30,13 +31,14 @@ public:
     void begin_file(const source_file &file);
 
     /// Binds and writes one row and counts it. A failure is logged and loses this row only. A row
-    /// whose look-up was interrupted is not written.
+    /// whose look-up was interrupted is not written. Texts that are cut are logged once a file.
     outcome write(source_row &row);
 
     const insertion &statement() const { return statement_; }
     QSqlQuery &query() { return query_; }
 
 private:
+    void bind(source_row &row);
     void log_failure_of(const source_row &row, const QString &error) const;
 
     QSqlQuery &query_;
@@ -46,6 +48,7 @@ private:
     extraction_run &run_;
     QString prepare_error_; ///< set when the INSERT does not fit the result table
     bound_values bound_;    ///< after the preparation, which forgets them
+    writing_allowance allowance_;
 };
 
 /// The result side of one extractor call: one connection named by the extractor's signature, one

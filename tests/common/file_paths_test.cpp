@@ -25,6 +25,7 @@ private Q_SLOTS:
     void free_names();
     void private_copies();
     void only_regular_files_are_evidence();
+    void files_full_of_holes();
     void confinement_data();
     void confinement();
     void copying_trees();
@@ -150,6 +151,27 @@ void file_paths_test::only_regular_files_are_evidence()
     QCOMPARE(opens(u"fifo"_s, links::followed), "no"_ba); // and does not wait for a writer
     QCOMPARE(opens(u""_s, links::followed), "no"_ba);     // the folder
     QCOMPARE(opens(u"gone"_s, links::followed), "no"_ba);
+}
+
+void file_paths_test::files_full_of_holes()
+{
+    evidence_builder evidence;
+    evidence.file(u"large"_s, "begin");
+    const QString path = evidence.path(u"large"_s);
+    QVERIFY(QFile::resize(path, evidence_file::largest_bytes + 1));
+    evidence_file file(path);
+    QVERIFY(!file.open_whole());
+    QCOMPARE(file.errorString(), u"Too large to be held in memory"_s);
+
+    struct stat status = {};
+    const QString copy = evidence.path(u"copy"_s);
+    QVERIFY(copy_evidence_file(path, copy));
+    QCOMPARE(::stat(QFile::encodeName(copy).constData(), &status), 0);
+    QCOMPARE(status.st_size, evidence_file::largest_bytes + 1);
+    QVERIFY(status.st_blocks * 512 < 1'000'000); // st_blocks counts units of 512 bytes
+    QVERIFY(QFile::resize(path, 1LL << 42));
+    QVERIFY(!copy_evidence_file(path, evidence.path(u"too large"_s)));
+    QVERIFY(!QFile::exists(evidence.path(u"too large"_s)));
 }
 
 void file_paths_test::confinement_data()
