@@ -66,6 +66,31 @@ accounts_of_source(const QString &source)
     return accounts;
 }
 
+QStringList
+notes_on_accounts(const QString &source,
+                  const QList<struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_system_account> &accounts)
+{
+    const QString users = source + u"/Users";
+    QStringList notes;
+    if (accounts.isEmpty())
+        notes.append(u"no account has a folder under "_s + users);
+    for (const auto &account : accounts) {
+        if (!QFileInfo(users + u'/' + account.system_user).isDir())
+            notes.append(u"no folder of account "_s + account.system_user + u" in " + users);
+    }
+#ifdef Q_OS_UNIX
+    std::error_code error;
+    for (std::filesystem::directory_iterator entry(QFileInfo(users).filesystemFilePath(), error);
+         !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
+        const QByteArray name = QByteArray::fromStdString(entry->path().filename().native());
+        if (QFile::encodeName(QFile::decodeName(name)) != name)
+            notes.append(u"not read, as its name is no text: "_s + users + u'/' +
+                         QString::fromLatin1(name.toPercentEncoding(" ")));
+    }
+#endif
+    return notes;
+}
+
 bool lies_within(const QString &path, const QString &folder)
 {
     // Folders are compared by identity: their spelling may differ where case does not count.

@@ -40,8 +40,10 @@ int extract(host_options options, cancel_watch &cancel)
 
     if (options.accounts.isEmpty())
         options.accounts = accounts_of_source(options.source);
-    if (options.accounts.isEmpty() && !options.quiet)
-        terminal::print_error(u"note: no account has a folder under " + options.source + u"/Users");
+    for (const QString &note : notes_on_accounts(options.source, options.accounts)) {
+        if (!options.quiet)
+            terminal::print_error(u"note: " + note);
+    }
 
     const extraction_outcome outcome = run_extraction(*plugin.controller, options, cancel);
     if (!outcome.problem.isEmpty())

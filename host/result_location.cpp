@@ -39,6 +39,12 @@ QString evidence_conflict(const host_options &options, const QString &database)
         if (lies_within(path, options.source))
             return path + u" leads into the evidence source " + options.source;
     }
+    // Whatever lies in the plug-in's folder is its own to write or, as temporary, to remove.
+    if (lies_within(options.source, folder))
+        return u"the evidence source " + options.source + u" lies in the plug-in's folder " +
+               folder;
+    if (!options.log_file.isEmpty() && lies_within(options.log_file, folder))
+        return u"the log file " + options.log_file + u" lies in the plug-in's folder " + folder;
     return {};
 }
 

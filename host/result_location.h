@@ -11,7 +11,7 @@ QString database_path(const QString &result_directory, const QString &artifact_n
 /// there is none. Writes nothing.
 QString evidence_conflict(const host_options &options);
 /// The same for the folders and the database that the plug-in makes under the result folder, where
-/// links of an earlier day may lead elsewhere.
+/// links of an earlier day may lead elsewhere; and for evidence or a log among them.
 QString evidence_conflict(const host_options &options, const QString &database);
 
 /// Creates the result folder and tries to write there and to the log file. Says what failed; empty

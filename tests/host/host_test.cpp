@@ -6,6 +6,11 @@
 #include <QTest>
 #include <QtEndian>
 
+#ifdef Q_OS_LINUX
+#include <sys/stat.h>
+#include <unistd.h>
+#endif
+
 using namespace Qt::StringLiterals;
 
 namespace
@@ -165,6 +170,33 @@ private Q_SLOTS:
         QCOMPARE(calls(), QStringList(u"engine_type 0"_s));
     }
 
+    void refuses_evidence_and_logs_in_the_folder_of_the_plugin()
+    {
+        const QString temporary = u"case/Artifacts_Result/Fake_Browser/tmp"_s;
+        QVERIFY(QDir(folder_->path()).mkpath(temporary + u"/evidence/Users/anna"_s));
+        for (const QStringList &more :
+             {QStringList{u"--source"_s, temporary + u"/evidence"_s},
+              QStringList{u"--log"_s, temporary + u"/../Fake_Browser.sqlite"_s}}) {
+            const finished host = extract(QStringList{u"--result"_s, u"case"_s} + more);
+            QCOMPARE(host.status, 1);
+            QVERIFY2(host.errors.contains("plug-in's folder"), host.errors.constData());
+            QCOMPARE(calls().constLast(), u"engine_type 0"_s);
+        }
+    }
+
+#ifdef Q_OS_LINUX
+    void tells_of_accounts_that_are_not_read()
+    {
+        const QByteArray latin = QFile::encodeName(path(u"evidence/Users/j")) + "\xfcrgen";
+        QCOMPARE(::mkdir(latin.constData(), 0700), 0);
+        const QByteArray notes = extract({u"--account"_s, u"Anna"_s}).errors;
+        QVERIFY2(notes.contains("no folder of account Anna in "), notes.constData());
+        QVERIFY2(notes.contains("/Users/j%FCrgen\n"), notes.constData());
+        QCOMPARE(extract({u"--quiet"_s}).errors, QByteArray());
+        ::rmdir(latin.constData()); // which Qt cannot name either
+    }
+#endif
+
     void calls_in_the_documented_order_data()
     {
         QTest::addColumn<QString>("arguments");
@@ -179,11 +211,11 @@ private Q_SLOTS:
                "result_directory out;create_tables;attributes;find;extract;remove_temporary"_s;
         QTest::newRow("everything")
             << u"--os iOS_UID --engine 2 --source-count 7 --log run.log --log-encrypted --verbose "
-               "--source-type home --os-display Phone --account bob:corp --account eve --clear "
+               "--source-type home --os-display Phone --account anna:corp --account eve --clear "
                "--table topsites,history --table cookies --extended-attribute a "
                "--extended-attribute b"_s
             << u"engine_type 2;essentials;source_count 7;ios_pointer null;desktop_info;"
-               "general_info 1111run.log;source_info evidence/ home Phone iOS_UID bob|corp,eve|;"
+               "general_info 1111run.log;source_info evidence/ home Phone iOS_UID anna|corp,eve|;"
                "tables history,cookies,topsites;result_directory out;create_tables;clear 1;"
                "attributes a,b;find;extract;remove_temporary"_s;
     }
