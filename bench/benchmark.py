@@ -22,7 +22,8 @@ PAIRED = {
 PAIRED_STEPS = {"quick": (10_000, 100_000), "full": (10_000, 100_000, 1_000_000)}
 PAIRS = 5
 
-# About 1, 10 and 100 MB of evidence; the quick mode takes the first two.
+# About 1, 10 and 100 MB of evidence for most (cached files: up to 17 MB; sessions, in several files:
+# 4 to 410 MB); the quick mode takes the first two.
 MANY = (10_000, 100_000, 1_000_000)
 SOME = (3_000, 30_000, 300_000)
 FEW = (1_000, 10_000, 100_000)
@@ -37,6 +38,11 @@ ALONE = [
     (SOME, Reader("Windows addresses", "winOS", "addresses", 5, "autofill_profiles")),
     (MANY, Reader("macOS cards", "macOS", "cards", 5, "credits_cards")),
     (MANY, Reader("macOS top sites", "macOS", "top_sites", 20, "topsites")),
+    (SOME, Reader("Windows search terms", "winOS", "search_terms", 10, "search_items")),
+    (SOME, Reader("Windows logins", "winOS", "logins", 10, "logins")),
+    (MANY, Reader("Windows form entries", "winOS", "form_entries", 50, "autofill")),
+    (MANY, Reader("Windows cards", "winOS", "cards", 5, "credits_cards")),
+    (MANY, Reader("Windows top sites", "winOS", "top_sites", 20, "topsites")),
     (FEW, Reader("macOS cached files", "macOS", "cache", 100, "cached_files", "files")),
     (FEW, Reader("macOS extensions", "macOS", "extensions", 5, "extensions", "folders",
                  whole_file=True)),
