@@ -17,9 +17,9 @@ accounts_of_source(const QString &source);
 /// What the examiner should know about the accounts that a run reads, a sentence each: names in the
 /// source that are no text and therefore cannot be given to the plug-in, and accounts that have no
 /// folder in the source, such as misspelt ones.
-QStringList notes_on_accounts(
-    const QString &source,
-    const QList<struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_system_account> &accounts);
+QStringList
+notes_on_accounts(const QString &source,
+                  const QList<struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_system_account> &accounts);
 
 /// True when the path is the folder or lies in it, once links are resolved. Neither the path nor
 /// its parents need exist.

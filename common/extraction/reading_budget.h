@@ -7,6 +7,12 @@
 
 #include <limits>
 
+/// Characters that a file of this size (bytes; one full of holes may have any) is granted.
+constexpr qint64 granted_characters(qint64 file_size, qint64 per_byte, qint64 spare)
+{
+    return per_byte * qMin(file_size, 1LL << 50) + spare;
+}
+
 /// A made-up file can yield rows without end, or the same text in each of them. What is read from a
 /// file, and what look-ups find for all its rows together, stays below what a file of its size can
 /// hold.
@@ -18,7 +24,7 @@ public:
     /// The size is in bytes.
     explicit reading_budget(qint64 file_size)
         : rows_left_(file_size),
-          characters_left_(characters_per_byte * file_size + spare_characters)
+          characters_left_(granted_characters(file_size, characters_per_byte, spare_characters))
     {
     }
 
@@ -53,7 +59,7 @@ public:
     writing_allowance() = default;
     /// The size, in bytes, is that of the file that the rows come from; 0 for a folder.
     explicit writing_allowance(qint64 file_size)
-        : characters_left_(characters_per_byte * file_size + spare_characters)
+        : characters_left_(granted_characters(file_size, characters_per_byte, spare_characters))
     {
     }
 
