@@ -78,7 +78,7 @@ def print_step(step: dict) -> None:
         return f"{'' if value is None else format(value, f'.{digits}f'):>{width}}"
 
     per_second = step["rows"] / step["plugin_seconds"]
-    print(f"{step['reader']:<20}{step['size']:>9,} {step['unit']:<8}{step['megabytes']:>7.1f}"
+    print(f"{step['reader']:<21}{step['size']:>9,} {step['unit']:<8}{step['megabytes']:>7.1f}"
           f"{step['rows']:>10,}"
           f"{number('plugin_seconds', 10, 3)}{number('plugin_inner_seconds', 9, 3)}"
           f"{per_second:>10,.0f}{number('plugin_mebibytes', 8, 1)}"
@@ -90,8 +90,8 @@ def print_step(step: dict) -> None:
 
 
 def print_heading() -> None:
-    print(f"{'':<55}{'---- plug-in':<46}{'---- baseline':>13}\n"
-          f"{'reader':<20}{'size':>9} {'':<8}{'MB':>7}{'rows':>10}{'seconds':>10}{'inner':>9}{'rows/s':>10}"
+    print(f"{'':<56}{'---- plug-in':<46}{'---- baseline':>13}\n"
+          f"{'reader':<21}{'size':>9} {'':<8}{'MB':>7}{'rows':>10}{'seconds':>10}{'inner':>9}{'rows/s':>10}"
           f"{'MiB':>8}{'us/row':>9}{'seconds':>10}{'MiB':>8}{'us/row':>9}{'ratio':>8}{'of CPU':>8}")
 
 
