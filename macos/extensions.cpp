@@ -79,13 +79,14 @@ QString extension_folder(const QString &recorded, const QString &profile, const 
         return {};
     if (!recorded.startsWith(u'/'))
         return profile + extensions + recorded;
-    if (const QString as_recorded = root + recorded.mid(1); QFileInfo(as_recorded).isDir())
+    const QString as_recorded = root + recorded.mid(1);
+    if (is_inside_folder(as_recorded, root))
         return as_recorded;
     if (const qsizetype at = recorded.indexOf(applications); at >= 0)
         return root + recorded.mid(at + 1);
     if (const qsizetype at = recorded.lastIndexOf(extensions); at >= 0)
         return profile + recorded.mid(at);
-    return root + recorded.mid(1);
+    return as_recorded;
 }
 
 } // namespace
