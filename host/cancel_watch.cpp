@@ -132,8 +132,9 @@ cancel_watch::~cancel_watch()
 {
     if (!watcher_.joinable())
         return;
-    // A repeat of an answered Ctrl-C must not spoil the exit status at the last moment.
-    set_signal_handler(cancelled_ ? SIG_IGN : SIG_DFL);
+    // The work is done: neither a late Ctrl-C nor the repeat of an answered one may spoil the exit
+    // status at the last moment.
+    set_signal_handler(SIG_IGN);
     const ssize_t written = write(pipe_ends[1], &stop_watching, 1);
     static_cast<void>(written);
     watcher_.join();

@@ -19,6 +19,12 @@ namespace
 
 enum exit_status { done = 0, cannot_run = 1, wrong_usage = 2, interrupted = 130 };
 
+/// The exit status once everything printed has reached standard output.
+int finished(int status)
+{
+    return !terminal::flush_results() && status == done ? int{cannot_run} : status;
+}
+
 int fail_with(const QString &problem)
 {
     terminal::print_error(problem);
@@ -64,7 +70,9 @@ int run(const host_options &options, char **arguments)
     terminal::show_messages(options.verbose);
 
     const int status = extract(options, cancel);
-    return status == done && cancel.cancelled() ? int{interrupted} : status;
+    // While Ctrl-C is still watched: it must neither cut off the summary nor be without effect when
+    // nobody reads that.
+    return finished(status == done && cancel.cancelled() ? int{interrupted} : status);
 }
 
 command_line read_arguments(int argument_count, char **arguments)
@@ -78,15 +86,15 @@ int act(const command_line &command, char **arguments)
     switch (command.what) {
     case command_line::action::show_help:
         terminal::print_result(command.text);
-        return done;
+        return finished(done);
     case command_line::action::show_version:
         terminal::print_result(u"opera_extract " + QStringLiteral(OPERA_EXTRACT_VERSION) + u'\n');
-        return done;
+        return finished(done);
     case command_line::action::refuse:
         terminal::print_error(command.text + u"; opera_extract --help shows the usage");
         return wrong_usage;
     case command_line::action::decipher_log:
-        return decipher_log(command.text);
+        return finished(decipher_log(command.text));
     case command_line::action::extract:
         break;
     }
@@ -107,8 +115,5 @@ int main(int argument_count, char **arguments)
 #endif
     terminal::install_message_handler();
 
-    int status = act(read_arguments(argument_count, arguments), arguments);
-    if (!terminal::flush_results() && status == done)
-        status = cannot_run;
-    return status;
+    return act(read_arguments(argument_count, arguments), arguments);
 }
