@@ -1,4 +1,4 @@
-#include "common/named_connection.h"
+#include "common/extraction/named_connection.h"
 #include "common/plugin_static_function.h"
 
 #include <QtSql/QSqlError>

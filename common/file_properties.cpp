@@ -1,5 +1,5 @@
 #include "common/plugin_static_function.h"
-#include "common/text_values.h"
+#include "common/values/text_values.h"
 
 #include <QDirIterator>
 #include <QFileInfo>

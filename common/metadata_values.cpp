@@ -12,7 +12,7 @@
 
 #include "common/metadata/printed_items.h"
 #include "common/plugin_static_function.h"
-#include "common/text_values.h"
+#include "common/values/text_values.h"
 
 #include <QRegularExpression>
 

@@ -1,6 +1,6 @@
 #include "common/plugin_helper_functions.h"
 
-#include "common/evidence_file.h"
+#include "common/evidence/evidence_file.h"
 #include "common/plugin_static_function.h"
 
 #include <QFileInfo>

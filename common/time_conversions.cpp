@@ -1,6 +1,6 @@
 #include "common/plugin_static_function.h"
-#include "common/text_values.h"
-#include "common/time_values.h"
+#include "common/values/text_values.h"
+#include "common/values/time_values.h"
 
 #include <QLocale>
 

@@ -1,7 +1,7 @@
 // Address profiles, from the "Web Data" file: the profile's own row, and names, e-mail addresses
 // and phone numbers from tables of their own. Times are copied as the browser stored them.
 
-#include "common/text_values.h"
+#include "common/values/text_values.h"
 #include "macos/macos_readers.h"
 #include "macos/opera_macos.h"
 

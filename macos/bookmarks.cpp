@@ -1,10 +1,10 @@
 // Bookmarks and Speed Dial, from the "Bookmarks" file: a walk over its JSON, and a reader that goes
 // line by line.
 
-#include "common/evidence_file.h"
+#include "common/evidence/evidence_file.h"
 #include "common/extraction/record_reader.h"
 #include "common/plugin_static_function.h"
-#include "common/text_values.h"
+#include "common/values/text_values.h"
 #include "macos/opera_macos.h"
 
 #include <QJsonArray>

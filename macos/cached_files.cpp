@@ -1,10 +1,10 @@
 // Cached files: every file of the cache folders but the cache's own bookkeeping.
 
-#include "common/evidence_file.h"
+#include "common/evidence/evidence_file.h"
+#include "common/evidence/sorted_walk.h"
 #include "common/extraction/record_reader.h"
 #include "common/plugin_static_function.h"
-#include "common/sorted_walk.h"
-#include "common/text_values.h"
+#include "common/values/text_values.h"
 #include "macos/opera_macos.h"
 
 #include <QFileInfo>

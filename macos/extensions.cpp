@@ -1,8 +1,8 @@
 // Extensions and themes, from the "Preferences" file; their pictures, from the folders of the
 // extensions.
 
-#include "common/evidence_file.h"
-#include "common/extraction/extension_manifest.h"
+#include "common/artefacts/extension_manifest.h"
+#include "common/evidence/evidence_file.h"
 #include "common/extraction/record_reader.h"
 #include "common/plugin_static_function.h"
 #include "macos/opera_macos.h"

@@ -4,7 +4,7 @@
 #include "common/metadata/metadata_platform.h"
 #include "common/metadata/printed_items.h"
 #include "common/plugin_static_function.h"
-#include "common/text_values.h"
+#include "common/values/text_values.h"
 #include "macos/opera_macos.h"
 
 #include <QFileInfo>

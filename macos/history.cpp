@@ -1,8 +1,8 @@
 // History and search terms, from the "History" file.
 
 #include "common/plugin_static_function.h"
-#include "common/text_values.h"
-#include "common/time_values.h"
+#include "common/values/text_values.h"
+#include "common/values/time_values.h"
 #include "macos/macos_readers.h"
 #include "macos/opera_macos.h"
 

@@ -1,8 +1,8 @@
 // Icons of sites and thumbnails of pages, from "Favicons" and "thumbnails.db". No driver calls
 // these readers.
 
-#include "common/extraction/stored_pictures.h"
-#include "common/text_values.h"
+#include "common/artefacts/stored_pictures.h"
+#include "common/values/text_values.h"
 #include "macos/macos_readers.h"
 #include "macos/opera_macos.h"
 

@@ -4,7 +4,7 @@
 #include "macos/preference_settings.h"
 
 #include "common/plugin_static_function.h"
-#include "common/text_values.h"
+#include "common/values/text_values.h"
 
 #include <QStringList>
 

@@ -1,8 +1,8 @@
 #include "macos/setting_walk.h"
 
-#include "common/evidence_file.h"
+#include "common/evidence/evidence_file.h"
 #include "common/plugin_static_function.h"
-#include "common/text_values.h"
+#include "common/values/text_values.h"
 
 #include <QJsonDocument>
 #include <QStringList>

@@ -1,6 +1,6 @@
 // What single sites are allowed or denied, from "Preferences". No driver calls this reader.
 
-#include "common/text_values.h"
+#include "common/values/text_values.h"
 #include "macos/opera_macos.h"
 #include "macos/setting_walk.h"
 

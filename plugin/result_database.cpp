@@ -1,6 +1,6 @@
 // Where the results of a run lie, and the result tables.
 
-#include "common/named_connection.h"
+#include "common/extraction/named_connection.h"
 #include "common/plugin_helper_functions.h"
 #include "common/plugin_static_function.h"
 #include "common/result_schema.h"

@@ -1,9 +1,9 @@
 // Address profiles, from the "Web Data" file: the profile's own row, and names, e-mail addresses
 // and phone numbers from tables of their own.
 
-#include "common/named_connection.h"
+#include "common/extraction/named_connection.h"
 #include "common/plugin_static_function.h"
-#include "common/text_values.h"
+#include "common/values/text_values.h"
 #include "winos/opera_winos.h"
 #include "winos/winos_readers.h"
 

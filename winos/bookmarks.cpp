@@ -1,9 +1,9 @@
 // Bookmarks, from the text of the "Bookmarks" file: the browser writes one key a line.
 
-#include "common/evidence_file.h"
+#include "common/evidence/evidence_file.h"
 #include "common/extraction/record_reader.h"
 #include "common/plugin_static_function.h"
-#include "common/text_values.h"
+#include "common/values/text_values.h"
 #include "winos/opera_winos.h"
 
 using namespace Qt::StringLiterals;

@@ -1,8 +1,8 @@
 // Downloads, from the "History" file, and what the source still holds of the downloaded files.
 
-#include "common/evidence_file.h"
+#include "common/evidence/evidence_file.h"
 #include "common/plugin_static_function.h"
-#include "common/text_values.h"
+#include "common/values/text_values.h"
 #include "winos/opera_winos.h"
 #include "winos/winos_readers.h"
 

@@ -1,13 +1,13 @@
 // Extensions and themes, from the manifests in the folder "Extensions", one folder for each
 // extension and in it one for each installed version.
 
-#include "common/evidence_file.h"
-#include "common/extraction/extension_manifest.h"
+#include "common/artefacts/extension_manifest.h"
+#include "common/evidence/evidence_file.h"
+#include "common/evidence/sorted_walk.h"
 #include "common/extraction/record_reader.h"
 #include "common/plugin_static_function.h"
-#include "common/relaxed_json.h"
-#include "common/sorted_walk.h"
-#include "common/text_values.h"
+#include "common/values/relaxed_json.h"
+#include "common/values/text_values.h"
 #include "winos/opera_winos.h"
 
 #include <QDir>

@@ -1,8 +1,8 @@
 // History and search terms, from the "History" file.
 
 #include "common/plugin_static_function.h"
-#include "common/text_values.h"
-#include "common/time_values.h"
+#include "common/values/text_values.h"
+#include "common/values/time_values.h"
 #include "winos/opera_winos.h"
 #include "winos/winos_readers.h"
 

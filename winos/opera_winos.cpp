@@ -1,6 +1,6 @@
 #include "winos/opera_winos.h"
 
-#include "common/named_connection.h"
+#include "common/extraction/named_connection.h"
 #include "common/plugin_static_function.h"
 
 #include <QFileInfo>

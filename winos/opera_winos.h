@@ -1,8 +1,8 @@
 #pragma once
 
 #include "common/extraction/extractor_state.h"
+#include "common/extraction/named_connection.h"
 #include "common/host_records.h"
-#include "common/named_connection.h"
 
 #include <QList>
 #include <QString>

@@ -1,8 +1,8 @@
 // Icons of sites and thumbnails of pages, from "Favicons" and "thumbnails.db". No driver calls
 // these readers, and hosts create the tables they write to.
 
-#include "common/extraction/stored_pictures.h"
-#include "common/text_values.h"
+#include "common/artefacts/stored_pictures.h"
+#include "common/values/text_values.h"
 #include "winos/opera_winos.h"
 #include "winos/winos_readers.h"
 

@@ -1,9 +1,9 @@
 // Open and recent tabs, from the session files.
 
-#include "common/evidence_file.h"
+#include "common/evidence/evidence_file.h"
 #include "common/extraction/record_reader.h"
 #include "common/plugin_static_function.h"
-#include "common/text_values.h"
+#include "common/values/text_values.h"
 #include "winos/opera_winos.h"
 
 #include <QByteArrayMatcher>

@@ -1,8 +1,8 @@
 #include "common/extraction/database_reader.h"
 
+#include "common/extraction/named_connection.h"
 #include "common/extraction/page_walk.h"
 #include "common/extraction/reading_budget.h"
-#include "common/named_connection.h"
 #include "common/plugin_helper_functions.h"
 #include "common/plugin_static_function.h"
 

@@ -2,10 +2,9 @@
 
 #include "common/extraction/extractor_state.h"
 
-#include "common/evidence_file.h"
+#include "common/evidence/evidence_file.h"
 #include "common/extraction/failure_log.h"
 #include "common/plugin_static_function.h"
-#include "common/text_values.h"
 
 #include <QFileInfo>
 
@@ -66,26 +65,6 @@ QString size_in_source(const QString &path, extraction_run &run)
     return known != run.folder_sizes.cend()
                ? *known
                : *run.folder_sizes.insert(place, common::mining_size(place));
-}
-
-QString path_inside_source(const QString &path, const extraction_run &run)
-{
-    QString inside = path;
-    if (inside.startsWith(run.source_root))
-        inside.remove(0, run.source_root.size());
-    if (!inside.trimmed().isEmpty() && !inside.startsWith(u'/'))
-        inside.prepend(u'/');
-    return inside;
-}
-
-source_file::source_file(const QString &found_path, const extraction_run &run) : path(found_path)
-{
-    using common = plugin_static_function;
-    std::tie(system_user, domain_user) =
-        common::extract_user_name_from_sourcefile(path, run.source_root);
-    domain_user = not_null(domain_user); // hosts name no domain for local accounts
-    std::tie(stored_path, relation_path) = common::get_final_artifact_source_file(
-        path_inside_source(path, run), run.source_root, run.source_type);
 }
 
 void tidy_account_names(QStringList &names)

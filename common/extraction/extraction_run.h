@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/evidence/source_file.h"
 #include "common/extraction/reading_budget.h"
 
 #include <QHash>
@@ -13,7 +14,7 @@ class plugin_helper_functions;
 
 /// What all extractors of one operating system share during a run: where the evidence lies, where
 /// rows go, whether the host has cancelled, and how many rows have been written.
-class extraction_run
+class extraction_run : public evidence_source
 {
 public:
     using record_signal = std::function<void(qint64 records)>;
@@ -23,8 +24,6 @@ public:
     /// Tests pass a clock of their own; without one the system's steady clock is used.
     explicit extraction_run(record_signal signal, clock now = {});
 
-    QString source_root;         ///< path of the mounted source, ends in "/"
-    QString source_type;         ///< for example macOS_Home_Directory
     QString os_scheme_display;   ///< value of every os_scheme_display column
     QString result_directory;    ///< ends in "/"; exported pictures go into its "Images/"
     QString temporary_directory; ///< ends in "/"; removed after the run
@@ -60,17 +59,6 @@ private:
     std::atomic<bool> cancelled_ = false;
 };
 
-/// One found file of the evidence and the column values that all its rows share.
-struct source_file {
-    QString path; ///< where it lies on the examiner's machine
-    QString system_user;
-    QString domain_user;
-    QString stored_path;   ///< value of source_file: inside the source, begins with "/"
-    QString relation_path; ///< value of artifacts_relation_source_file
-
-    source_file(const QString &path, const extraction_run &run);
-};
-
 /// False, and logged under the signature, for a path that does not exist or that links of the
 /// evidence lead out of the source: such a file is not touched.
 bool lies_in_source(const QString &path, const QString &signature, const extraction_run &run);
@@ -78,6 +66,3 @@ bool lies_in_source(const QString &path, const QString &signature, const extract
 /// Size of a file or folder of the source in bytes. A folder is walked once for a database, however
 /// many of its rows name it.
 QString size_in_source(const QString &path, extraction_run &run);
-
-/// The path without the source root and with a leading "/" (a blank path stays as it is).
-QString path_inside_source(const QString &path, const extraction_run &run);

@@ -1,6 +1,6 @@
 #include "common/extraction/private_copy.h"
 
-#include "common/named_connection.h"
+#include "common/extraction/named_connection.h"
 
 #include <QStringList>
 #include <QtSql/QSqlQuery>

@@ -1,8 +1,8 @@
 #include "common/extraction/value_rules.h"
 
 #include "common/plugin_static_function.h"
-#include "common/text_values.h"
-#include "common/time_values.h"
+#include "common/values/text_values.h"
+#include "common/values/time_values.h"
 
 using namespace Qt::StringLiterals;
 

@@ -1,6 +1,6 @@
 #include "common/metadata/extended_attributes.h"
 
-#include "common/evidence_file.h"
+#include "common/evidence/evidence_file.h"
 
 #include <QFileInfo>
 

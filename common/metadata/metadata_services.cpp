@@ -3,7 +3,7 @@
 
 #include "common/metadata/metadata_platform.h"
 #include "common/plugin_static_function.h"
-#include "common/text_values.h"
+#include "common/values/text_values.h"
 
 using namespace Qt::StringLiterals;
 

@@ -2,7 +2,7 @@
 // that came along with the file, what the file system knows, and a picture's own data. Nothing is
 // invented: what the evidence does not hold has no value.
 
-#include "common/evidence_file.h"
+#include "common/evidence/evidence_file.h"
 #include "common/metadata/extended_attributes.h"
 #include "common/metadata/metadata_platform.h"
 #include "common/metadata/picture_position.h"

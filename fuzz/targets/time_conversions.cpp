@@ -1,7 +1,7 @@
 // Texts that stand for times, durations, sizes, paths and escaped characters.
 
 #include "common/plugin_static_function.h"
-#include "common/text_values.h"
+#include "common/values/text_values.h"
 #include "fuzz/fuzz_case.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)

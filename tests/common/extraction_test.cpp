@@ -3,7 +3,7 @@
 #include "common/extraction/database_reader.h"
 #include "common/plugin_helper_functions.h"
 #include "common/plugin_static_function.h"
-#include "common/text_values.h"
+#include "common/values/text_values.h"
 #include "tests/support/evidence_builder.h"
 #include "tests/support/recording_log.h"
 #include "tests/support/result_rows.h"

@@ -1,4 +1,4 @@
-#include "common/evidence_file.h"
+#include "common/evidence/evidence_file.h"
 #include "common/plugin_helper_functions.h"
 #include "common/plugin_static_function.h"
 #include "tests/support/evidence_builder.h"

@@ -1,5 +1,5 @@
 #include "common/metadata/property_list.h"
-#include "common/text_values.h"
+#include "common/values/text_values.h"
 #include "macos/opera_macos.h"
 #include "tests/support/evidence_builder.h"
 #include "tests/support/metadata_bytes.h"

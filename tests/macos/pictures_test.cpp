@@ -1,4 +1,4 @@
-#include "common/extraction/stored_pictures.h"
+#include "common/artefacts/stored_pictures.h"
 #include "tests/support/host_tables.h"
 
 #include <QDir>

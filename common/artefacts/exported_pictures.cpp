@@ -1,6 +1,6 @@
-#include "common/exported_pictures.h"
+#include "common/artefacts/exported_pictures.h"
 
-#include "common/evidence_file.h"
+#include "common/evidence/evidence_file.h"
 
 #include <QDir>
 #include <QFile>

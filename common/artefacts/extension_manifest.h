@@ -1,6 +1,6 @@
 #pragma once
 
-#include "common/exported_pictures.h"
+#include "common/artefacts/exported_pictures.h"
 #include "common/extraction/extraction_run.h"
 
 #include <QHash>

@@ -1,4 +1,4 @@
-#include "common/relaxed_json.h"
+#include "common/values/relaxed_json.h"
 
 #include <QJsonDocument>
 

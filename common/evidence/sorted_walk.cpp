@@ -1,6 +1,6 @@
-#include "common/sorted_walk.h"
+#include "common/evidence/sorted_walk.h"
 
-#include "common/named_connection.h"
+#include "common/extraction/named_connection.h"
 
 #include <QDirIterator>
 #include <QFile>

@@ -1,7 +1,7 @@
-#include "common/extraction/stored_pictures.h"
+#include "common/artefacts/stored_pictures.h"
 
-#include "common/exported_pictures.h"
-#include "common/text_values.h"
+#include "common/artefacts/exported_pictures.h"
+#include "common/values/text_values.h"
 
 #include <QDateTime>
 #include <QFileInfo>

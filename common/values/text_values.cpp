@@ -1,4 +1,4 @@
-#include "common/text_values.h"
+#include "common/values/text_values.h"
 
 using namespace Qt::StringLiterals;
 

@@ -1,9 +1,9 @@
-#include "common/extraction/extension_manifest.h"
+#include "common/artefacts/extension_manifest.h"
 
-#include "common/evidence_file.h"
+#include "common/evidence/evidence_file.h"
 #include "common/extraction/failure_log.h"
 #include "common/plugin_static_function.h"
-#include "common/text_values.h"
+#include "common/values/text_values.h"
 
 #include <QFileInfo>
 
