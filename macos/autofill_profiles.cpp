@@ -85,9 +85,15 @@ insertion profile_insertion()
                        source_count_name}};
 }
 
-const std::vector<searched_column> searched_details = {{"autofill_profile_names", "guid"},
-                                                       {"autofill_profile_emails", "guid"},
-                                                       {"autofill_profile_phones", "guid"}};
+/// The tables of a profile's parts, with the columns that the statements of a generation read.
+std::vector<own_table> profile_tables(const char *name_columns)
+{
+    constexpr auto text = own_table::key_type::text;
+    return {
+        {.name = "autofill_profile_names", .key = "guid", .type = text, .columns = name_columns},
+        {.name = "autofill_profile_emails", .key = "guid", .type = text, .columns = "email"},
+        {.name = "autofill_profile_phones", .key = "guid", .type = text, .columns = "number"}};
+}
 
 } // namespace
 
@@ -109,7 +115,7 @@ const database_reader macos_readers::autofill_profiles_11 = {
             query_failure("[extract_webdata_autofill_profiles_11] select_query -----FAILED-----"),
         .insert = profile_insertion(),
     }},
-    .searched_columns = searched_details,
+    .own_tables = profile_tables("first_name, middle_name, last_name, full_name"),
 };
 
 const database_reader macos_readers::autofill_profiles = {
@@ -172,7 +178,7 @@ const database_reader macos_readers::autofill_profiles = {
                                 as_stored(9),       // date_modified
                                 source_file_path, relation_source_file, os_scheme_display,
                                 source_count_name}}}},
-    .searched_columns = searched_details,
+    .own_tables = profile_tables("first_name, middle_name, last_name, date_of_birth, gender"),
 };
 
 struct_autofill_names opera_macos::get_name_for_autofill_profiles(const QString &guid,
@@ -251,20 +257,12 @@ QString opera_macos::get_phone_for_autofill_profiles(const QSqlDatabase &source,
                                                      const QString &guid, const QString &caller)
 {
     QSqlQuery query(source);
-    query.setForwardOnly(true);
-    // The guid is part of the statement: one that would end its quotes is not run, which is logged,
-    // and the profile is written without its phone numbers.
-    const QString sql =
-        pasted_statement("select number from autofill_profile_phones where guid = ", guid);
     QStringList values;
-    QString error = unsafe_key_error();
-    if (!sql.isEmpty())
-        error = query.exec(sql) ? for_each_found_row(query, 1, state_.run, joining(values))
-                                : query.lastError().text();
-    if (!error.isEmpty())
-        log_failure(query_failure("[get_phone_for_autofill_profiles]--------FAILED------- "
-                                  "*****to execute query query_source_phone"),
-                    caller, {.error = error, .query = query.lastQuery()});
+    look_up_rows(query, u"select number from autofill_profile_phones where guid = "_s, guid,
+                 state_.run,
+                 query_failure("[get_phone_for_autofill_profiles]--------FAILED------- "
+                               "*****to execute query query_source_phone"),
+                 caller, joining(values));
     return not_null(values.join(u"; "_s));
 }
 

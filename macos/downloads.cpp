@@ -9,6 +9,8 @@
 #include <QFileInfo>
 #include <QtSql/QSqlQuery>
 
+#include <utility>
+
 using namespace Qt::StringLiterals;
 
 namespace
@@ -47,10 +49,21 @@ enum download_value {
 QVariant url_chain(source_row &row, int id_column)
 {
     QString urls = empty_text();
-    const bool complete = row.look_up(0, row.text(id_column), [&urls](const QSqlQuery &link) {
-        urls += link.value(0).toString() + u";;";
-    });
-    return complete ? urls : empty_text();
+    row.look_up(0, row.stored(id_column),
+                [&urls](const QSqlQuery &link) { urls += link.value(0).toString() + u";;"; });
+    return urls;
+}
+
+keyed_select url_chains(failure_lines failed)
+{
+    return {.statement = "select url from downloads_url_chains where id = ?",
+            .failed = std::move(failed),
+            .table = {.name = "downloads_url_chains",
+                      .key = "id",
+                      .type = own_table::key_type::number,
+                      .columns = "url",
+                      .order = "chain_index"},
+            .keys_ascend = true};
 }
 
 QVariant download_state(source_row &row, int column)
@@ -193,10 +206,9 @@ const database_reader macos_readers::download_11 = {
                               os_scheme_display,
                               source_count_name}},
     }},
-    .look_ups = {{"select url from downloads_url_chains where id = ?",
-                  query_failure(with_path("[extract_download_11]source_url_chain_query execution "
-                                          "-----FAILED------ for file --->>>"))}},
-    .searched_columns = {{"downloads_url_chains", "id"}},
+    .look_ups = {url_chains(
+        query_failure(with_path("[extract_download_11]source_url_chain_query execution "
+                                "-----FAILED------ for file --->>>")))},
 };
 
 const database_reader macos_readers::download = {
@@ -218,10 +230,9 @@ const database_reader macos_readers::download = {
                   .select_failed = query_failure("[extract_download]source_dwnld query execution "
                                                  "--------FAILED--2----"),
                   .insert = older_insertion(from_row(url_chain, 1), as_stored(6), 2)}},
-    .look_ups = {{"select url from downloads_url_chains where id = ?",
-                  query_failure(with_path("[extract_download]source_url_chain_query execution "
-                                          "--------FAILED------- for file --->>>"))}},
-    .searched_columns = {{"downloads_url_chains", "id"}},
+    .look_ups = {url_chains(
+        query_failure(with_path("[extract_download]source_url_chain_query execution "
+                                "--------FAILED------- for file --->>>")))},
 };
 
 QString opera_macos::get_name_for_downloads(const QString &path)

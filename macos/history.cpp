@@ -22,7 +22,7 @@ QVariant look_up_key(const QVariant &id)
 QVariant visit_text(source_row &row, int id_column)
 {
     QString visits = empty_text();
-    const bool complete =
+    const found_rows found =
         row.look_up(0, look_up_key(row.stored(id_column)), [&visits](const QSqlQuery &visit) {
             const QVariant seconds = unix_seconds_of(visit.value(0));
             if (const std::optional<qint64> number = whole_number(seconds))
@@ -37,7 +37,7 @@ QVariant visit_text(source_row &row, int id_column)
             if (!visits.isEmpty())
                 visits += u';';
         });
-    if (!complete)
+    if (found == found_rows::none)
         return empty_text();
     if (visits.endsWith(";;"_L1))
         visits.chop(2);
@@ -76,11 +76,16 @@ const database_reader macos_readers::history_11 = {
                               source_file_path, relation_source_file, os_scheme_display,
                               source_count_name}},
     }},
-    .look_ups = {{"select visit_time, transition, visit_duration from visits where url = ?",
+    .look_ups = {{.statement = "select visit_time, transition, visit_duration from visits where "
+                               "url = ?",
                   // Hosts know this line, although the query is none for an icon.
-                  query_failure(
-                      "[extract_history_11] select_icon_query  ---------FAILED----------")}},
-    .searched_columns = {{"visits", "url"}},
+                  .failed = query_failure(
+                      "[extract_history_11] select_icon_query  ---------FAILED----------"),
+                  .table = {.name = "visits",
+                            .key = "url",
+                            .type = own_table::key_type::number,
+                            .columns = "visit_time, transition, visit_duration"},
+                  .keys_ascend = true}},
 };
 
 const database_reader macos_readers::history_url = {
@@ -137,6 +142,16 @@ const database_reader macos_readers::search_items_11 = {
                               source_file_path, relation_source_file, os_scheme_display,
                               source_count_name}},
     }},
+    .own_tables = {{.name = "keyword_search_terms",
+                    .key = "url_id",
+                    .type = own_table::key_type::number,
+                    .columns = "term",
+                    .indexed = false},
+                   {.name = "urls",
+                    .key = "id",
+                    .type = own_table::key_type::number,
+                    .columns = "url, title, last_visit_time",
+                    .filter = "id in (select url_id from main.keyword_search_terms not indexed)"}},
 };
 
 const database_reader macos_readers::search_items = {
@@ -166,6 +181,16 @@ const database_reader macos_readers::search_items = {
                               source_file_path, relation_source_file, os_scheme_display,
                               source_count_name}},
     }},
+    .own_tables = {{.name = "keyword_search_terms",
+                    .key = "url_id",
+                    .type = own_table::key_type::number,
+                    .columns = "term",
+                    .indexed = false},
+                   {.name = "urls",
+                    .key = "id",
+                    .type = own_table::key_type::number,
+                    .columns = "url",
+                    .filter = "id in (select url_id from main.keyword_search_terms not indexed)"}},
 };
 
 int opera_macos::extract_history_11()

@@ -40,7 +40,7 @@ const database_reader macos_readers::favicons_11 = {
     .ends = "[extract_favicons_11] Ends",
     .readings = {favicon_reading(
         {"[extract_favicons_11]Select query --------FAILED----------", error_text})},
-    .searched_columns = {{"favicons", "id"}, {"icon_mapping", "icon_id"}},
+    .own_tables = tables_of_icons(),
     .source_connection = "1",
 };
 

@@ -1,17 +1,24 @@
 // Address profiles, from the "Web Data" file: the profile's own row, and names, e-mail addresses
 // and phone numbers from tables of their own.
 
-#include "common/extraction/named_connection.h"
+#include "common/extraction/keyed_rows.h"
 #include "common/plugin_static_function.h"
 #include "common/values/text_values.h"
 #include "winos/opera_winos.h"
 #include "winos/winos_readers.h"
 
-#include <QtSql/QSqlError>
 #include <QtSql/QSqlQuery>
-#include <QtSql/QSqlRecord>
 
 using namespace Qt::StringLiterals;
+
+/// What finds the rows of one profile.
+struct profile_look_up {
+    const char *signature;
+    const char *starts;
+    const char *open_failed;
+    keyed_select rows;
+    const char *ends;
+};
 
 namespace
 {
@@ -42,53 +49,16 @@ insertion profile_insertion(const char *sql)
                                    source_count_name}};
 }
 
-/// A query for the rows of one profile.
-struct profile_look_up {
-    const char *signature;
-    const char *starts;
-    const char *open_failed;
-    const char *select; ///< the profile's guid is pasted behind it
-    const char *query_failed;
-    const char *ends;
-};
-
-/// Calls `each` for the profile's rows until it returns false.
-void for_each_profile_row(const profile_look_up &look_up, const QString &guid,
-                          named_connection &source, extraction_run &run,
-                          const std::function<bool(const QSqlQuery &)> &each)
+keyed_select rows_of_profile(const char *statement, const char *failed, const char *table,
+                             const char *columns, bool first_row_only = false)
 {
-    using common = plugin_static_function;
-    const QString signature = QString::fromUtf8(look_up.signature);
-    common::app_debug(QString::fromUtf8(look_up.starts), signature);
-    const QString sql = pasted_statement(look_up.select, guid);
-    if (source.is_open()) {
-        QSqlQuery query(source.database());
-        query.setForwardOnly(true);
-        QString error;
-        if (sql.isEmpty())
-            error = unsafe_key_error();
-        else if (!query.exec(sql))
-            error = query.lastError().text();
-        else
-            error = for_each_found_row(query, query.record().count(), run, each);
-        if (!error.isEmpty())
-            log_failure(query_failure(look_up.query_failed), signature,
-                        {.error = error, .query = sql});
-    } else {
-        log_failure(open_failure(look_up.open_failed), signature, {.error = source.error_text()});
-    }
-    common::app_debug(QString::fromUtf8(look_up.ends), signature);
-}
-
-QString joined_rows(const profile_look_up &look_up, const QString &guid, named_connection &source,
-                    extraction_run &run)
-{
-    QStringList values;
-    for_each_profile_row(look_up, guid, source, run, [&values](const QSqlQuery &row) {
-        values.append(row.value(0).toString());
-        return true;
-    });
-    return not_null(values.join(u"; "_s));
+    return {.statement = statement,
+            .failed = query_failure(failed),
+            .table = {.name = table,
+                      .key = "guid",
+                      .type = own_table::key_type::text,
+                      .columns = columns},
+            .first_row_only = first_row_only};
 }
 
 QString gender_text(const QString &stored)
@@ -132,80 +102,104 @@ const database_reader winos_readers::autofill_profiles = {
                       "address_line_1,address_line_2,city,state,zipcode,origin,country_code,"
                       "date_modified, source_file, os_scheme_display,source_count_name) "
                       "values(?,?,?,?, ?,?,?,?, ?,?,?,?, ?,?,?,? ,?,?,?,?,?)")}},
-    .searched_columns = {{"autofill_profile_names", "guid"},
-                         {"autofill_profile_emails", "guid"},
-                         {"autofill_profile_phones", "guid"}},
 };
 
-named_connection &opera_winos::profile_source(const QString &signature,
-                                              const QString &web_data_path)
-{
-    std::unique_ptr<named_connection> &kept = profile_sources_[signature];
-    if (!kept || !kept->is_open() || kept->database().databaseName() != web_data_path) {
-        kept.reset(); // before another connection takes its name
-        kept = std::make_unique<named_connection>(signature, web_data_path,
-                                                  named_connection::access::read_only);
+/// The look-up's connection to one private copy, and what is prepared on it.
+struct opera_winos::profile_source {
+    QString path;
+    failure_log failures;
+    keyed_rows rows;
+
+    profile_source(const profile_look_up &look_up, const QString &copy, extraction_run &run)
+        : path(copy), failures(QString::fromUtf8(look_up.signature), copy, {}),
+          rows(look_up.rows, failures.signature(), copy, false, run, failures)
+    {
     }
-    return *kept;
+};
+
+void opera_winos::for_each_profile_row(const profile_look_up &look_up, const QString &guid,
+                                       const QString &web_data_path,
+                                       const std::function<void(const QSqlQuery &)> &each)
+{
+    using common = plugin_static_function;
+    const QString signature = QString::fromUtf8(look_up.signature);
+    common::app_debug(QString::fromUtf8(look_up.starts), signature);
+    std::shared_ptr<profile_source> &kept = profile_sources_[signature];
+    if (!kept || !kept->rows.is_open() || kept->path != web_data_path) {
+        kept.reset(); // before another connection takes its name
+        kept = std::make_shared<profile_source>(look_up, web_data_path, state_.run);
+    }
+    if (kept->rows.is_open())
+        kept->rows.find(guid, each);
+    else
+        kept->failures.log(open_failure(look_up.open_failed), kept->rows.error_text(), {});
+    common::app_debug(QString::fromUtf8(look_up.ends), signature);
+}
+
+QString opera_winos::joined_profile_rows(const profile_look_up &look_up, const QString &guid,
+                                         const QString &web_data_path)
+{
+    QStringList values;
+    for_each_profile_row(look_up, guid, web_data_path, [&values](const QSqlQuery &row) {
+        values.append(row.value(0).toString());
+    });
+    return not_null(values.join(u"; "_s));
 }
 
 opera_winos::autofill_profile_info
 opera_winos::extract_name_for_autofill_profiles(const QString &guid, const QString &web_data_path)
 {
-    static constexpr profile_look_up look_up = {
+    static const profile_look_up look_up = {
         .signature = "opera_winos::autofill_profile_info "
                      "opera_winos::extract_name_for_autofill_profiles(QString, QString)",
         .starts = "[extract_name_for_autofill_profiles]  -Starts",
         .open_failed = "[extract_name_for_autofill_profiles]source Db opening ---FAILED--- ",
-        .select = "select first_name,middle_name,last_name,date_of_birth,gender from "
-                  "autofill_profile_names where guid = ",
-        .query_failed = "[extract_name_for_autofill_profiles]---FAILED--- to execute query "
-                        "query_source_web_data",
+        .rows = rows_of_profile("select first_name,middle_name,last_name,date_of_birth,gender from "
+                                "autofill_profile_names where guid = ",
+                                "[extract_name_for_autofill_profiles]---FAILED--- to execute query "
+                                "query_source_web_data",
+                                "autofill_profile_names",
+                                "first_name,middle_name,last_name,date_of_birth,gender", true),
         .ends = "[extract_name_for_autofill_profiles]  -Ends"};
     autofill_profile_info info;
-    for_each_profile_row(
-        look_up, guid, profile_source(QString::fromUtf8(look_up.signature), web_data_path),
-        state_.run, [&info](const QSqlQuery &row) {
-            QStringList names = {row.value(0).toString(), row.value(1).toString(),
-                                 row.value(2).toString()};
-            names.removeAll(QString()); // a missing middle name leaves no second blank
-            info = {not_null(names.join(u' ')), not_null(row.value(3).toString()),
-                    gender_text(not_null(row.value(4).toString()))};
-            return false;
-        });
+    for_each_profile_row(look_up, guid, web_data_path, [&info](const QSqlQuery &row) {
+        QStringList names = {row.value(0).toString(), row.value(1).toString(),
+                             row.value(2).toString()};
+        names.removeAll(QString()); // a missing middle name leaves no second blank
+        info = {not_null(names.join(u' ')), not_null(row.value(3).toString()),
+                gender_text(not_null(row.value(4).toString()))};
+    });
     return info;
 }
 
 QString opera_winos::extract_email_for_autofill_profiles(const QString &guid,
                                                          const QString &web_data_path)
 {
-    static constexpr profile_look_up look_up = {
+    static const profile_look_up look_up = {
         .signature = "QString opera_winos::extract_email_for_autofill_profiles(QString, QString)",
         .starts = "[extract_email_for_autofill_profiles]  -Starts",
         .open_failed = "[extract_email_for_autofill_profiles]source Db opening ---FAILED--- ",
-        .select = "select email from autofill_profile_emails where guid = ",
-        .query_failed = "[extract_email_for_autofill_profiles]---FAILED--- to execute query "
-                        "query_source_web_data",
+        .rows = rows_of_profile("select email from autofill_profile_emails where guid = ",
+                                "[extract_email_for_autofill_profiles]---FAILED--- to execute "
+                                "query query_source_web_data",
+                                "autofill_profile_emails", "email"),
         .ends = "[extract_email_for_autofill_profiles]  -Ends"};
-    return joined_rows(look_up, guid,
-                       profile_source(QString::fromUtf8(look_up.signature), web_data_path),
-                       state_.run);
+    return joined_profile_rows(look_up, guid, web_data_path);
 }
 
 QString opera_winos::extract_phone_for_autofill_profiles(const QString &guid,
                                                          const QString &web_data_path)
 {
-    static constexpr profile_look_up look_up = {
+    static const profile_look_up look_up = {
         .signature = "QString opera_winos::extract_phone_for_autofill_profiles(QString, QString)",
         .starts = "[extract_phone_for_autofill_profiles]  -Starts.",
         .open_failed = "[extract_phone_for_autofill_profiles]source Db opening ---FAILED--- ",
-        .select = "select number from autofill_profile_phones where guid = ",
-        .query_failed = "[extract_phone_for_autofill_profiles]---FAILED--- to execute query "
-                        "query_source_web_data",
+        .rows = rows_of_profile("select number from autofill_profile_phones where guid = ",
+                                "[extract_phone_for_autofill_profiles]---FAILED--- to execute "
+                                "query query_source_web_data",
+                                "autofill_profile_phones", "number"),
         .ends = "[extract_phone_for_autofill_profiles]  -Ends"};
-    return joined_rows(look_up, guid,
-                       profile_source(QString::fromUtf8(look_up.signature), web_data_path),
-                       state_.run);
+    return joined_profile_rows(look_up, guid, web_data_path);
 }
 
 void opera_winos::extract_webdata_autofill_profiles()

@@ -33,7 +33,7 @@ QVariant trimmed_url(source_row &row, int column)
 QVariant url_chain(source_row &row, int id_column)
 {
     QString urls = empty_text();
-    row.look_up(0, row.text(id_column), [&urls](const QSqlQuery &link) {
+    row.look_up(0, row.stored(id_column), [&urls](const QSqlQuery &link) {
         urls += decode_percent(link.value(0).toString()).trimmed() + u' ';
     });
     return urls;
@@ -107,12 +107,16 @@ const database_reader winos_readers::history_download = {
                       with_path("[extract_history_download]source_dwnld query execution "
                                 "---FAILED--- for file --->>>")),
                   .insert = download_insertion(from_row(url_chain, 1), as_stored(6))}},
-    .look_ups = {{.select = "select url from downloads_url_chains where id = ",
+    .look_ups = {{.statement = "select url from downloads_url_chains where id = ",
                   .failed = open_failure(
                       with_path("[extract_history_download]source_url_chain_query execution "
                                 "---FAILED--- for file --->>>")),
-                  .key = row_look_up::key_place::pasted_at_end}},
-    .searched_columns = {{"downloads_url_chains", "id"}},
+                  .table = {.name = "downloads_url_chains",
+                            .key = "id",
+                            .type = own_table::key_type::number,
+                            .columns = "url",
+                            .order = "chain_index"},
+                  .keys_ascend = true}},
 };
 
 QString opera_winos::extract_name_for_downloads(const QString &path)

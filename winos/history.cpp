@@ -83,12 +83,15 @@ const database_reader winos_readers::history_url = {
                               from_row(visit_time, 2), from_row(visit_duration, 1), derived(hidden),
                               os_scheme_display, source_count_name}},
     }},
-    .look_ups = {{.select = "select url,title,visit_count,typed_count,last_visit_time,hidden "
-                            "from urls WHERE id=?",
+    .look_ups = {{.statement = "select url,title,visit_count,typed_count,last_visit_time,hidden "
+                               "from urls WHERE id=?",
                   .failed = query_failure(
                       "[extract_history_url]source query select from urls ---FAILED---"),
+                  .table = {.name = "urls",
+                            .key = "id",
+                            .type = own_table::key_type::number,
+                            .columns = "url,title,visit_count,typed_count,last_visit_time,hidden"},
                   .first_row_only = true}},
-    .searched_columns = {{"urls", "id"}},
 };
 
 const database_reader winos_readers::search_items = {
@@ -116,6 +119,16 @@ const database_reader winos_readers::search_items = {
                               as_stored(1), // url
                               source_file_path, os_scheme_display, source_count_name}},
     }},
+    .own_tables = {{.name = "keyword_search_terms",
+                    .key = "url_id",
+                    .type = own_table::key_type::number,
+                    .columns = "term",
+                    .indexed = false},
+                   {.name = "urls",
+                    .key = "id",
+                    .type = own_table::key_type::number,
+                    .columns = "url",
+                    .filter = "id in (select url_id from main.keyword_search_terms not indexed)"}},
 };
 
 QString opera_winos::file_url_to_unix_name(const QString &file_url) const
@@ -147,7 +160,7 @@ QString opera_winos::local_path_of(const QString &address) const
 bool opera_winos::derive_visit(source_row &row) const
 {
     row.derived.fill(QVariant(), local_path + 1);
-    const bool complete = row.look_up(0, row.stored(0), [&row](const QSqlQuery &urls) {
+    const found_rows found = row.look_up(0, row.stored(0), [&row](const QSqlQuery &urls) {
         for (const int column : {url, title, visit_count, typed_count, last_visit_time, hidden})
             row.derived[column] = urls.value(column).toString();
     });
@@ -157,7 +170,7 @@ bool opera_winos::derive_visit(source_row &row) const
         row.derived.at(last_visit_time).toString());
     row.derived[hidden] = yes_no_or_stored(row.derived.at(hidden).toString());
     row.derived[local_path] = local_path_of(address);
-    return complete && !row.interrupted();
+    return found != found_rows::none && !row.interrupted();
 }
 
 void opera_winos::extract_history_url()

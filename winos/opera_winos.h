@@ -1,7 +1,6 @@
 #pragma once
 
 #include "common/extraction/extractor_state.h"
-#include "common/extraction/named_connection.h"
 #include "common/host_records.h"
 
 #include <QList>
@@ -9,12 +8,15 @@
 #include <QStringList>
 #include <QWidget>
 
+#include <functional>
 #include <map>
 #include <memory>
 
+class QSqlQuery;
 class plugin_helper_functions;
 class record_sink;
 class source_row;
+struct profile_look_up;
 struct record_reader;
 
 /// The extractor for Windows sources: finds the profile files of every account and reads each
@@ -159,16 +161,21 @@ private:
 
     /// The path inside the source, beginning with "/", that a file URL names; empty for all others.
     QString local_path_of(const QString &url) const;
-    /// False when the look-up of the page did not come to its end.
+    /// False when the look-up of the page cannot be run.
     bool derive_visit(source_row &row) const;
     void derive_download(source_row &row);
     void read_sessions(const record_reader &reader, const QStringList &files);
-    /// Opening reads the whole schema: a connection serves all rows of a file.
-    named_connection &profile_source(const QString &signature, const QString &web_data_path);
+    void for_each_profile_row(const profile_look_up &look_up, const QString &guid,
+                              const QString &web_data_path,
+                              const std::function<void(const QSqlQuery &row)> &each);
+    QString joined_profile_rows(const profile_look_up &look_up, const QString &guid,
+                                const QString &web_data_path);
 
     extractor_state state_;
     found_files found_;
-    std::map<QString, std::unique_ptr<named_connection>> profile_sources_; ///< by signature
+    /// Opening reads the whole schema: a connection serves all rows of a file.
+    struct profile_source;
+    std::map<QString, std::shared_ptr<profile_source>> profile_sources_; ///< by signature
     struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_desktop_info desktop_info_;
     struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_general_info general_info_;
 };

@@ -61,7 +61,7 @@ const database_reader winos_readers::favicons = {
                     as_stored(4),          // height
                     derived(icon_pages),   // fav_urls
                     source_file_path, os_scheme_display, source_count_name}})},
-    .searched_columns = {{"favicons", "id"}, {"icon_mapping", "icon_id"}},
+    .own_tables = tables_of_icons(),
 };
 
 const database_reader winos_readers::thumbnails = {

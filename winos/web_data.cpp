@@ -42,11 +42,7 @@ const database_reader winos_readers::autofill = {
                   .insert = autofill_insertion(
                       "insert into autofill(bookmark,system_user,domain_user,name,value,count,"
                       "date_created, pair_id, source_file, os_scheme_display,source_count_name) "
-                      "values(?,?,?,?, ?,?,?,?, ?,?,?)"),
-                  // Where one pair stands in many rows of both tables, all of them would be joined
-                  // before the first row comes.
-                  .refused_when =
-                      "select 1 from autofill group by pair_id having count(*) > 1 limit 1"},
+                      "values(?,?,?,?, ?,?,?,?, ?,?,?)")},
                  {.select = "select autofill.name, autofill.value, autofill.count, "
                             "autofill.date_created, autofill.date_last_used from autofill",
                   .select_failed = query_failure("[extract_webdata_autofill] ---FAILED--- to "
@@ -55,6 +51,14 @@ const database_reader winos_readers::autofill = {
                       "insert into autofill(bookmark,system_user,name,domain_user,value,count,"
                       "date_created, date_last_used, source_file, os_scheme_display,"
                       "source_count_name) values(?,?,?,?, ?,?,?,?, ?,?,?)")}},
+    .own_tables = {{.name = "autofill",
+                    .key = "pair_id",
+                    .type = own_table::key_type::number,
+                    .columns = "name, value, count"},
+                   {.name = "autofill_dates",
+                    .key = "pair_id",
+                    .type = own_table::key_type::number,
+                    .columns = "date_created"}},
 };
 
 const database_reader winos_readers::credit_cards = {

@@ -47,6 +47,16 @@ source_reading favicon_reading(failure_lines select_failed)
                                   source_count_name}}};
 }
 
+std::vector<own_table> tables_of_icons()
+{
+    return {
+        {.name = "favicons", .key = "id", .type = own_table::key_type::number, .columns = "url"},
+        {.name = "icon_mapping",
+         .key = "icon_id",
+         .type = own_table::key_type::number,
+         .columns = "page_url"}};
+}
+
 QString icon_id_of(const source_row &row)
 {
     return row.text(bitmap_icon_id);

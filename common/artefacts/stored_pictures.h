@@ -41,6 +41,9 @@ enum icon_value { icon_address, icon_picture, icon_pages };
 /// Reads the pictures of all icons into table favicon; one row per size of an icon.
 source_reading favicon_reading(failure_lines select_failed);
 
+/// What the look-ups below read.
+std::vector<own_table> tables_of_icons();
+
 /// Id of the icon that the row holds a picture of.
 QString icon_id_of(const source_row &row);
 

@@ -1,18 +1,15 @@
 #include "common/extraction/database_reader.h"
 
-#include "common/extraction/named_connection.h"
-#include "common/extraction/page_walk.h"
-#include "common/extraction/reading_budget.h"
+#include "common/extraction/guarded_connection.h"
 #include "common/plugin_helper_functions.h"
 #include "common/plugin_static_function.h"
 
-#include <QFileInfo>
 #include <QRegularExpression>
+#include <QScopedValueRollback>
 #include <QtSql/QSqlError>
 #include <QtSql/QSqlQuery>
-#include <QtSql/QSqlRecord>
 
-#include <optional>
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -21,91 +18,40 @@ namespace
 
 enum class file_result { done, unknown_schema, cancelled };
 
-/// A forward-only query, prepared; an error of the preparation is kept, because executing would
-/// replace it.
-class prepared_query
-{
-public:
-    prepared_query(const QSqlDatabase &database, const char *sql)
-        : prepared_query(database, QString::fromUtf8(sql))
-    {
-    }
-    prepared_query(const QSqlDatabase &database, const QString &sql) : query_(database)
-    {
-        query_.setForwardOnly(true);
-        if (sql.isEmpty())
-            prepare_error_ = unsafe_key_error();
-        else if (!query_.prepare(sql))
-            prepare_error_ = query_.lastError().text();
-    }
-
-    bool execute() { return prepare_error_.isEmpty() && query_.exec(); }
-    QString error_text() const
-    {
-        return prepare_error_.isEmpty() ? query_.lastError().text() : prepare_error_;
-    }
-    QSqlQuery &query() { return query_; }
-    /// Of a query that ran.
-    int columns()
-    {
-        if (columns_ < 0)
-            columns_ = query_.record().count();
-        return columns_;
-    }
-
-private:
-    QSqlQuery query_;
-    QString prepare_error_;
-    int columns_ = -1;
-};
-
 /// What is known while one file is read.
 struct file_reading {
     const database_reader &reader;
-    const QString &signature;
     extraction_run &run;
     const source_file &file;
-    QSqlDatabase &source;
+    const QString &copy;
+    guarded_connection &source;
+    bool sound; ///< SQLite finds no fault in the copy's structure
     const row_preparation &prepare_row;
-    qint64 copy_size; ///< bytes
+    failure_log &failures;
 
-    void log(const failure_lines &lines, const QString &error, const QString &query) const
+    const QString &signature() const { return failures.signature(); }
+    /// A line that no descriptor foresees.
+    void tell(const QString &text, const QString &error = {}) const
     {
-        log_failure(
-            lines, signature,
-            {.path = file.path, .system_user = file.system_user, .error = error, .query = query});
+        plugin_static_function::app_debug(operation_tag(signature()) + text + file.path,
+                                          signature());
+        if (!error.isEmpty())
+            plugin_static_function::app_debug(error, signature());
     }
 };
 
-/// The current row of the main SELECT. The look-ups are prepared when the first row needs them and
+/// The current row of the main SELECT. Look-ups are prepared when the first row needs them and
 /// serve all rows of the file.
 class current_row : public database_row
 {
 public:
     current_row(const file_reading &reading, const QSqlQuery &rows)
         : database_row(reading.run, reading.file), reading_(reading), rows_(rows),
-          look_ups_(reading.reader.look_ups.size()), budget_(reading.copy_size)
+          look_ups_(reading.reader.look_ups.size())
     {
     }
 
-    /// Goes on to the next row; false at the end, and for whatever else ends the rows.
-    bool next(QSqlQuery &rows)
-    {
-        budget_.use_row();
-        return !budget_.is_used_up() && rows.next();
-    }
-    bool has_budget() const { return !budget_.is_used_up(); }
-
-    /// A connection of its own: on the one of the main SELECT, a look-up that meets a damaged page
-    /// would send the SELECT back to rows that it has given already.
-    QSqlDatabase source() override
-    {
-        if (!look_up_connection_)
-            look_up_connection_.emplace(reading_.signature + u"_look_up",
-                                        reading_.source.databaseName(),
-                                        named_connection::access::read_only);
-        return look_up_connection_->database();
-    }
+    QSqlDatabase source() override { return reading_.source.database(); }
 
     QSqlQuery &helper_query(int number) override
     {
@@ -115,107 +61,108 @@ public:
         return *helper_queries_.at(index);
     }
 
-    QVariant stored(int column) const override
-    {
-        QVariant value = rows_.value(column);
-        budget_.use_text(value);
-        return value;
-    }
+    QVariant stored(int column) const override { return rows_.value(column); }
 
-    bool look_up(int number, const QVariant &key,
-                 const std::function<void(const QSqlQuery &)> &each) override
+    found_rows look_up(int number, const QVariant &key,
+                       const std::function<void(const QSqlQuery &)> &each) override
     {
         const auto index = static_cast<std::size_t>(number);
-        const row_look_up &wanted = reading_.reader.look_ups.at(index);
-        std::unique_ptr<prepared_query> &prepared = look_ups_.at(index);
-        if (wanted.key == row_look_up::key_place::pasted_at_end)
-            prepared = std::make_unique<prepared_query>(
-                source(), pasted_statement(wanted.select, key.toString()));
-        else if (!prepared)
-            prepared = std::make_unique<prepared_query>(source(), wanted.select);
-        QSqlQuery &query = prepared->query();
-        if (wanted.key == row_look_up::key_place::placeholder)
-            query.bindValue(0, key);
-        if (!prepared->execute()) {
-            reading_.log(wanted.failed, prepared->error_text(), query.lastQuery());
-            return false;
-        }
-        const QString error =
-            for_each_found_row(query, prepared->columns(), run(), [&](const QSqlQuery &row) {
-                each(row);
-                return !wanted.first_row_only;
-            });
+        std::unique_ptr<keyed_rows> &rows = look_ups_.at(index);
+        if (!rows)
+            // A connection of its own: a statement that meets a damaged page would send the main
+            // SELECT back to rows that it has given already.
+            rows = std::make_unique<keyed_rows>(
+                reading_.reader.look_ups.at(index),
+                reading_.signature() + u"_look_up" + QString::number(number), reading_.copy,
+                reading_.sound, run(), reading_.failures);
+        const found_rows found = rows->find(key, each);
         interrupted_ = interrupted_ || run().cancelled();
-        if (!error.isEmpty())
-            reading_.log(wanted.failed, error, query.lastQuery());
-        return error.isEmpty();
+        return found;
     }
 
 private:
     const file_reading &reading_;
     const QSqlQuery &rows_;
-    std::optional<named_connection> look_up_connection_; // outlives its queries below
-    std::vector<std::unique_ptr<prepared_query>> look_ups_;
+    std::vector<std::unique_ptr<keyed_rows>> look_ups_;
     std::vector<std::unique_ptr<QSqlQuery>> helper_queries_;
-    mutable reading_budget budget_;
 };
 
 /// The rows of a SELECT that ran, up to its last row or to what keeps it from going on.
-file_result write_rows(const file_reading &reading, QSqlQuery &rows, row_insertion &insert)
+file_result write_rows(const file_reading &reading, guarded_query &rows, row_insertion &insert)
 {
-    current_row row(reading, rows);
-    for (;;) {
-        if (reading.run.cancelled())
-            return file_result::cancelled;
-        if (!row.next(rows))
-            break;
-        if (reading.prepare_row) {
-            if (!reading.prepare_row(row))
-                continue;
-            if (reading.run.cancelled()) // its look-ups may have ended early
+    current_row row(reading, rows.query());
+    // Joined rows of equal keys could be more than the file can hold.
+    constexpr qint64 least_bytes_of_row = 6;
+    qint64 rows_left = 1'000 + reading.source.size() / least_bytes_of_row;
+    while (rows.next() && --rows_left >= 0) {
+        if (reading.run.cancelled() || (reading.prepare_row && !reading.prepare_row(row))) {
+            if (reading.run.cancelled())
                 return file_result::cancelled;
+            continue;
         }
-        if (row.interrupted() || insert.write(row) == row_insertion::outcome::interrupted)
+        // Look-ups of a cancelled run end early.
+        if (reading.run.cancelled() || row.interrupted() ||
+            insert.write(row) == row_insertion::outcome::interrupted)
             return file_result::cancelled;
     }
-    if (rows.lastError().isValid() || !row.has_budget()) {
+    if (reading.run.cancelled())
+        return file_result::cancelled;
+    const QString error = rows_left < 0 ? sqlite_guard::error() : rows.error_text();
+    if (!error.isEmpty()) {
         // A damaged page ends the rows just as the last row does; the log must tell them apart.
-        plugin_static_function::app_debug(
-            operation_tag(reading.signature) +
-                u" rows of the source end early ---------FAILED----------" + reading.file.path,
-            reading.signature);
-        reading.log({error_text, executed_query},
-                    row.has_budget() ? rows.lastError().text() : reading_budget::error(),
-                    rows.lastQuery());
+        reading.tell(u" rows of the source end early ---------FAILED----------"_s, error);
+        plugin_static_function::app_debug(rows.query().lastQuery(), reading.signature());
     }
     return file_result::done;
+}
+
+/// The SELECT as it is run: one that names a single table goes over that table itself.
+QString as_scan(const file_reading &reading, const QString &select)
+{
+    static const QRegularExpression of_one_table(u"^select (.*) from (\\w+)$"_s,
+                                                 QRegularExpression::CaseInsensitiveOption);
+    const auto match = of_one_table.match(select.simplified());
+    if (!match.hasMatch())
+        return select;
+    const QString table = match.captured(2);
+    const bool is_own = std::ranges::any_of(reading.reader.own_tables, [&](const own_table &own) {
+        return table == QLatin1StringView(own.name);
+    });
+    QString columns = match.captured(1);
+    // Columns that the schema computes, or fills with long defaults, make much of little.
+    if (!stores_its_values(reading.source, table))
+        columns = cut_columns(columns.remove(table + u'.'));
+    return u"select "_s + columns + u" from " + (is_own ? u"main."_s : QString()) + table +
+           u" not indexed";
 }
 
 file_result read_file(const file_reading &reading, result_writer &writer)
 {
     const database_reader &reader = reading.reader;
+    for (const own_table &table : reader.own_tables) {
+        if (const QString fault = make_own_table(reading.source, table); !fault.isEmpty())
+            reading.tell(u" rows of table "_s + QString::fromUtf8(table.name) +
+                             u" are missing ---------FAILED----------",
+                         fault);
+    }
+    reading.source.begin_reading();
     std::size_t first = 0;
     std::size_t end = reader.readings.size();
     if (reader.choose_reading) {
-        first = reader.choose_reading(reading.source, reading.signature);
+        first = reader.choose_reading(reading.source.database(), reading.signature());
         end = first + 1;
     }
     for (std::size_t number = first; number < end; ++number) {
         const source_reading &way = reader.readings.at(number);
-        if (way.refused_when) {
-            prepared_query reason(reading.source, way.refused_when);
-            if (reason.execute() && reason.query().next()) {
-                reading.log(way.select_failed, u"rows belong together that browsers keep apart"_s,
-                            QString::fromUtf8(way.select));
-                continue;
-            }
-        }
-        prepared_query select(reading.source, way.select);
-        if (!select.execute()) {
-            reading.log(way.select_failed, select.error_text(), select.query().lastQuery());
+        const QString select = QString::fromUtf8(way.select);
+        guarded_query rows(reading.source, as_scan(reading, select));
+        if (!rows.execute()) {
+            if (reading.run.cancelled())
+                return file_result::cancelled;
+            reading.failures.log(way.select_failed, rows.error_text(), select);
             continue;
         }
-        return write_rows(reading, select.query(), writer.begin_file(way.insert, reading.file));
+        return write_rows(reading, rows, writer.begin_file(way.insert, reading.file));
     }
     return file_result::unknown_schema;
 }
@@ -231,99 +178,52 @@ file_result read_path(const database_reader &reader, const QString &signature, c
     if (copy.isEmpty())
         return file_result::done;
 
-    const qint64 copy_size = QFileInfo(copy).size() + QFileInfo(copy + u"-wal").size();
-    const auto tell = [&](const QString &text) {
-        plugin_static_function::app_debug(operation_tag(signature) + text + path, signature);
-    };
-    const int repeated = remove_repeated_pages(copy);
-    if (repeated != 0)
-        tell(u" pages of the source are used twice, rows may be missing -----FAILED-----"_s);
-    if (repeated < 0)
-        return file_result::done;
-
     const source_file file(path, run);
-    run.look_up_budget = reading_budget(copy_size);
+    failure_log failures(signature, file.path, file.system_user);
+    const QScopedValueRollback current_failures(run.failures, &failures);
     run.folder_sizes.clear();
-    // The schema is made fit before the source connection reads it.
-    const copy_state state =
-        prepare_private_copy(copy, signature + u"_copy", reader.searched_columns);
-    if (state == copy_state::mended)
-        tell(u" the schema of the source computes, rows may be missing -----FAILED-----"_s);
-    named_connection source(reader.source_connection ? QString::fromUtf8(reader.source_connection)
-                                                     : signature + u'1',
-                            copy, named_connection::access::read_only);
-    const file_reading reading = {reader,      signature, run, file, source.database(),
-                                  prepare_row, copy_size};
-    const bool fit = state != copy_state::unfit;
-    if (!source.is_open() || !fit) {
-        reading.log(reader.source_failed,
-                    fit ? source.error_text() : u"the schema computes values"_s, {});
+    guarded_connection source(reader.source_connection ? QString::fromUtf8(reader.source_connection)
+                                                       : signature + u'1',
+                              copy, run, signature);
+    if (!source.is_open()) {
+        failures.log(reader.source_failed, source.error_text(), {});
         return file_result::done;
     }
+    const QString structure = source.check_structure();
+    const file_reading reading = {reader,      run,     file, copy, source, structure == "ok"_L1,
+                                  prepare_row, failures};
+    if (!reading.sound && !run.cancelled())
+        reading.tell(u" structure of the source is damaged -----FAILED-----"_s, structure);
     return read_file(reading, writer);
 }
 
 } // namespace
 
-QString for_each_found_row(QSqlQuery &query, int columns, extraction_run &run,
-                           const std::function<bool(const QSqlQuery &row)> &each)
-{
-    reading_budget &budget = run.look_up_budget;
-    QString error;
-    while (!run.cancelled()) {
-        if (budget.is_used_up()) {
-            error = reading_budget::error();
-            break;
-        }
-        if (!query.next()) {
-            if (query.lastError().isValid())
-                error = query.lastError().text();
-            break;
-        }
-        budget.use_row();
-        for (int column = 0; column < columns; ++column)
-            budget.use_text(query.value(column));
-        if (!each(query))
-            break;
-    }
-    query.finish();
-    return error;
-}
-
-bool look_up_rows(QSqlQuery &query, const QString &select, const QString &key, extraction_run &run,
+void look_up_rows(QSqlQuery &query, const QString &select, const QString &key, extraction_run &run,
                   const failure_lines &failed, const QString &signature,
                   const std::function<bool(const QSqlQuery &row)> &each)
 {
+    const key_statement statement(select);
     query.setForwardOnly(true);
-    bool ran = query.lastQuery() == select || query.prepare(select);
+    bool ran = query.lastQuery() == statement.executed() || query.prepare(statement.executed());
     if (ran) {
         query.bindValue(0, key);
         ran = query.exec();
     }
-    const QString error = ran ? for_each_found_row(query, query.record().count(), run, each)
-                              : query.lastError().text();
-    if (ran && error.isEmpty())
-        return true;
-    log_failure(failed, signature, {.error = error, .query = query.lastQuery()});
-    query.clear(); // so that the next row prepares it again and sees the same reason
-    return false;
-}
-
-QString pasted_statement(const char *select, const QString &key)
-{
-    static const QRegularExpression word(u"\\w+"_s);
-    const QString statement = QString::fromUtf8(select);
-    QStringList columns = {u"rowid"_s, u"oid"_s, u"_rowid_"_s};
-    for (auto match = word.globalMatch(statement); match.hasNext();)
-        columns += match.next().captured();
-    if (key.contains(u'"') || columns.contains(key, Qt::CaseInsensitive))
-        return {};
-    return statement + u'"' + key + u'"';
-}
-
-QString unsafe_key_error()
-{
-    return u"the key holds a double quote or names a column"_s;
+    while (ran && !run.cancelled() && query.next()) {
+        if (!each(query))
+            break;
+    }
+    if (query.lastError().isValid() && !run.cancelled()) {
+        const QString error = query.lastError().text();
+        if (run.failures != nullptr)
+            run.failures->log(failed, error, statement.logged(key), signature);
+        else
+            log_failure(failed, signature, {.error = error, .query = statement.logged(key)});
+        query.clear(); // so that the next row prepares it again and sees the same reason
+        return;
+    }
+    query.finish();
 }
 
 int read_databases(const database_reader &reader, const QStringList &files, extraction_run &run,
@@ -334,6 +234,7 @@ int read_databases(const database_reader &reader, const QStringList &files, extr
     if (run.idle_extractors_end_early && (run.cancelled() || files.isEmpty()))
         return 0;
 
+    const sqlite_temporary_folder temporary_files(run.temporary_directory);
     int result = 0;
     {
         result_writer writer(signature, run, reader.destination_failed, reader.insert_failed);

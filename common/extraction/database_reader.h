@@ -2,7 +2,7 @@
 
 #include "common/extraction/extraction_run.h"
 #include "common/extraction/failure_log.h"
-#include "common/extraction/private_copy.h"
+#include "common/extraction/keyed_rows.h"
 #include "common/extraction/result_writer.h"
 #include "common/extraction/value_rules.h"
 
@@ -13,45 +13,20 @@
 #include <functional>
 #include <vector>
 
-/// One way to read a source: a SELECT, and the INSERT that takes its rows.
+/// One way to read a source: a SELECT, and the INSERT that takes its rows. A SELECT of one table
+/// goes over it in the order of its rows, whatever indexes the evidence offers; one of several
+/// tables has all of them among the reader's own.
 struct source_reading {
     const char *select;
     failure_lines select_failed; ///< written when the SELECT fails; the next reading is tried then
     insertion insert;
-    /// A statement that finds a row where the SELECT would cost the square of the file's size: it
-    /// counts as failed then. Browsers do not write such files.
-    const char *refused_when = nullptr;
 };
 
-/// A statement with one key that is run for single rows of the main SELECT.
-struct row_look_up {
-    enum class key_place {
-        placeholder,
-        pasted_at_end, ///< see pasted_statement()
-    };
-
-    const char *select;
-    failure_lines failed;
-    key_place key = key_place::placeholder;
-    bool first_row_only = false;
-};
-
-/// The statement with the key behind it, in double quotes. Empty for a key that holds a double
-/// quote itself, as it would go on as SQL that the evidence wrote, and for one that names a column,
-/// as SQLite would compare the column with itself and find all rows.
-QString pasted_statement(const char *select, const QString &key);
-/// What is logged as the error of such a key.
-QString unsafe_key_error();
-
-/// Goes over the rows of a look-up that ran until `each` returns false, and finishes the query.
-/// Rows and their texts count against the run's look_up_budget. Returns what kept it from all rows,
-/// for the log: a damaged page, or the budget; empty otherwise, also when the run was cancelled.
-QString for_each_found_row(QSqlQuery &query, int columns, extraction_run &run,
-                           const std::function<bool(const QSqlQuery &row)> &each);
-
-/// Runs a SELECT with one key, which is prepared unless the query holds it already, and goes over
-/// its rows as above. A failure is logged; false then, with the rows before it seen.
-bool look_up_rows(QSqlQuery &query, const QString &select, const QString &key, extraction_run &run,
+/// Runs a look-up with one key on a query of the source, which is prepared unless it holds the
+/// statement already; a statement without a placeholder ends where its key follows. Calls `each`
+/// for its rows until it returns false. To be used on tables that are among the reader's own. A
+/// failure is logged; a cancelled run ends it early.
+void look_up_rows(QSqlQuery &query, const QString &select, const QString &key, extraction_run &run,
                   const failure_lines &failed, const QString &signature,
                   const std::function<bool(const QSqlQuery &row)> &each);
 
@@ -63,9 +38,9 @@ struct database_reader {
     failure_lines source_failed;
     failure_lines insert_failed;
     const char *ends;
-    std::vector<source_reading> readings; ///< tried in order until a SELECT runs
-    std::vector<row_look_up> look_ups = {};
-    std::vector<searched_column> searched_columns = {};
+    std::vector<source_reading> readings;    ///< tried in order until a SELECT runs
+    std::vector<keyed_select> look_ups = {}; ///< what source_row::look_up() runs, by number
+    std::vector<own_table> own_tables = {};  ///< copied before the SELECT, which then reads them
     /// When set: the number of the one reading to try, chosen by what the source holds.
     std::size_t (*choose_reading)(QSqlDatabase &source, const QString &signature) = nullptr;
     /// Name of the source connection; the signature and "1" when not set.
@@ -78,7 +53,7 @@ class database_row : public source_row
 public:
     using source_row::source_row;
 
-    /// The private copy, for further queries.
+    /// The private copy, for further queries of the reader's own tables.
     virtual QSqlDatabase source() = 0;
     /// A further query on the source, the same for every row of the file, so that what a look-up
     /// prepares for one row serves all.

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "common/evidence/source_file.h"
-#include "common/extraction/reading_budget.h"
 
 #include <QHash>
 #include <QString>
@@ -10,6 +9,7 @@
 #include <atomic>
 #include <functional>
 
+class failure_log;
 class plugin_helper_functions;
 
 /// What all extractors of one operating system share during a run: where the evidence lies, where
@@ -32,14 +32,15 @@ public:
     /// An extractor with nothing to do (cancelled, or no files) ends after its start line, without
     /// opening the result database.
     bool idle_extractors_end_early = true;
-    /// Of the database that is being read: what the look-ups for its rows may still find, and the
-    /// sizes of folders that its rows named.
-    reading_budget look_up_budget;
+    /// Of the file that is being read; null between files.
+    failure_log *failures = nullptr;
+    /// Sizes of folders that its rows named.
     QHash<QString, QString> folder_sizes;
 
     /// May be called from any thread.
     void set_cancelled(bool cancelled) { cancelled_ = cancelled; }
     bool cancelled() const { return cancelled_; }
+    const std::atomic<bool> &cancel_flag() const { return cancelled_; }
 
     qint64 records() const { return records_; }
     void set_records(qint64 records) { records_ = records; }
@@ -48,6 +49,9 @@ public:
     void restart_progress();
     /// Counts one written row and signals the count when the last signal is over 1000 ms old.
     void count_record();
+    /// Counts rows that were read and are not in the result database.
+    void count_lost(qint64 records) { lost_records_ += records; }
+    qint64 lost_records() const { return lost_records_; }
     /// Signals the count now; the second goes on as it was.
     void signal_records() const { signal_(records_); }
 
@@ -56,6 +60,7 @@ private:
     clock now_;
     qint64 last_signal_ = 0;
     qint64 records_ = 0;
+    qint64 lost_records_ = 0;
     std::atomic<bool> cancelled_ = false;
 };
 

@@ -2,8 +2,12 @@
 
 #include "common/plugin_static_function.h"
 
+using namespace Qt::StringLiterals;
+
 namespace
 {
+
+constexpr int most_listed = 10;
 
 QString detail_text(failure_line::detail wanted, const failure_details &details)
 {
@@ -30,6 +34,27 @@ void log_failure(const failure_lines &lines, const QString &signature,
     for (const failure_line &line : lines)
         plugin_static_function::app_debug(
             QString::fromUtf8(line.text) + detail_text(line.followed_by, details), signature);
+}
+
+void failure_log::log(const failure_lines &lines, const QString &error, const QString &query,
+                      const QString &signature)
+{
+    if (lines.empty() || ++met_[lines.front().text] > most_listed)
+        return;
+    log_failure(lines, signature,
+                {.path = path_, .system_user = system_user_, .error = error, .query = query});
+}
+
+failure_log::~failure_log()
+{
+    for (const auto &[text, times] : met_) {
+        if (times > most_listed)
+            plugin_static_function::app_debug(operation_tag(signature_) + u' ' +
+                                                  QString::number(times - most_listed) +
+                                                  u" more such failures -----FAILED----- " + path_ +
+                                                  u": " + QString::fromUtf8(text),
+                                              signature_);
+    }
 }
 
 QString operation_tag(const QString &signature)

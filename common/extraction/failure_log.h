@@ -2,6 +2,7 @@
 
 #include <QString>
 
+#include <map>
 #include <vector>
 
 /// One log line of a failure: a fixed text, and what is joined to it.
@@ -56,6 +57,36 @@ struct failure_details {
 /// Writes the lines, in order, under the given signature text.
 void log_failure(const failure_lines &lines, const QString &signature,
                  const failure_details &details);
+
+/// The failures met while one file is read. Of each kind, told by its first text, ten are logged
+/// and the rest counted: evidence could fill the examiner's disk with them.
+class failure_log
+{
+public:
+    failure_log(const QString &signature, const QString &path, const QString &system_user)
+        : signature_(signature), path_(path), system_user_(system_user)
+    {
+    }
+    /// Logs the counts.
+    ~failure_log();
+    failure_log(const failure_log &) = delete;
+    failure_log &operator=(const failure_log &) = delete;
+
+    void log(const failure_lines &lines, const QString &error, const QString &query)
+    {
+        log(lines, error, query, signature_);
+    }
+    /// Under the signature text of another operation.
+    void log(const failure_lines &lines, const QString &error, const QString &query,
+             const QString &signature);
+    const QString &signature() const { return signature_; }
+
+private:
+    QString signature_;
+    QString path_;
+    QString system_user_;
+    std::map<const char *, int> met_; ///< by the kind's first text
+};
 
 /// "int opera_macos::extract_history_11()" to "[extract_history_11]", for lines of the frame's own.
 QString operation_tag(const QString &signature);

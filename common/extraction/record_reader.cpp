@@ -2,6 +2,8 @@
 
 #include "common/plugin_static_function.h"
 
+#include <QScopedValueRollback>
+
 #include <utility>
 
 namespace
@@ -20,6 +22,8 @@ bool read_all(const record_reader &reader, const QString &signature, const QStri
         if (!lies_in_source(path, signature, run))
             continue;
         const source_file file(path, run);
+        failure_log failures(signature, file.path, file.system_user);
+        const QScopedValueRollback current_failures(run.failures, &failures);
         record_sink sink(writer.begin_file(reader.insert, file), file, run);
         if (read_file(sink) == reading_end::at_once || run.cancelled())
             return false;

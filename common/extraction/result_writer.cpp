@@ -84,11 +84,15 @@ row_insertion::outcome row_insertion::write(source_row &row)
 
 void row_insertion::log_failure_of(const source_row &row, const QString &error) const
 {
-    log_failure(insert_failed_, signature_,
-                {.path = row.file().path,
-                 .system_user = row.file().system_user,
-                 .error = error,
-                 .query = query_.lastQuery()});
+    run_.count_lost(1);
+    if (run_.failures != nullptr)
+        run_.failures->log(insert_failed_, error, query_.lastQuery(), signature_);
+    else
+        log_failure(insert_failed_, signature_,
+                    {.path = row.file().path,
+                     .system_user = row.file().system_user,
+                     .error = error,
+                     .query = query_.lastQuery()});
 }
 
 struct result_writer::prepared_insertion {
@@ -113,6 +117,7 @@ result_writer::result_writer(const QString &signature, extraction_run &run,
         return;
     }
     connection_.database().transaction();
+    records_before_ = run_.records();
 }
 
 result_writer::~result_writer()
@@ -124,6 +129,7 @@ result_writer::~result_writer()
         operation_tag(signature_) + u" commit to destination database ---------FAILED----------",
         signature_);
     plugin_static_function::app_debug(connection_.error_text(), signature_);
+    run_.count_lost(run_.records() - records_before_);
 }
 
 row_insertion &result_writer::begin_file(const insertion &statement, const source_file &file)

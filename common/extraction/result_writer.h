@@ -3,8 +3,8 @@
 #include "common/extraction/bound_values.h"
 #include "common/extraction/failure_log.h"
 #include "common/extraction/named_connection.h"
-#include "common/extraction/reading_budget.h"
 #include "common/extraction/value_rules.h"
+#include "common/extraction/writing_allowance.h"
 
 #include <QtSql/QSqlQuery>
 
@@ -75,6 +75,7 @@ private:
     const QString signature_;
     extraction_run &run_;
     const failure_lines &insert_failed_;
+    qint64 records_before_ = 0; ///< count of the run when the transaction began
     named_connection connection_;
     std::vector<std::unique_ptr<prepared_insertion>> insertions_;
 };

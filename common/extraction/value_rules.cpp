@@ -6,9 +6,10 @@
 
 using namespace Qt::StringLiterals;
 
-bool source_row::look_up(int, const QVariant &, const std::function<void(const QSqlQuery &)> &)
+found_rows source_row::look_up(int, const QVariant &,
+                               const std::function<void(const QSqlQuery &)> &)
 {
-    return false;
+    return found_rows::none;
 }
 
 constinit const value_rule untagged = {

@@ -10,6 +10,13 @@
 
 class QSqlQuery;
 
+/// How a look-up ended.
+enum class found_rows {
+    all,
+    cut,  ///< the file's size does not allow to repeat all rows, or whole values
+    none, ///< it cannot be run
+};
+
 /// One row of a source, whatever the source is, as the value rules see it.
 class source_row
 {
@@ -24,11 +31,10 @@ public:
     virtual QVariant stored(int column) const = 0;
     QString text(int column) const { return stored(column).toString(); }
 
-    /// Runs the reader's look-up of that number with the key bound and calls `each` on every result
-    /// row. False when the look-up failed; that is logged. A cancelled run stops it early and marks
-    /// the row as interrupted.
-    virtual bool look_up(int number, const QVariant &key,
-                         const std::function<void(const QSqlQuery &)> &each);
+    /// Calls `each` on every row that the reader's look-up of that number finds for the key. A
+    /// failure is logged. A cancelled run stops it early and marks the row as interrupted.
+    virtual found_rows look_up(int number, const QVariant &key,
+                               const std::function<void(const QSqlQuery &)> &each);
 
     /// True once a look-up of this row was stopped by a cancelled run: the row is not written.
     bool interrupted() const { return interrupted_; }

@@ -220,9 +220,12 @@ void macos_accounts_test::logins_that_cannot_be_read()
     const QStringList messages = run.log.messages_of(u"opera_macos::extract_logins_11"_s);
     // The probe and the SELECT fail on the first file, the SELECT alone on the second.
     QCOMPARE(messages.count(failed), 3);
-    QCOMPARE(messages.size(), 2 + 3 * 3);
-    QCOMPARE(messages.at(3), u"PRAGMA TABLE_INFO(logins)"_s);
-    QVERIFY(messages.at(8).contains(u"no such column"_s));
+    QCOMPARE(messages.size(), 2 + 2 + 3 * 3);
+    QVERIFY(messages.at(1).startsWith(
+        u"[extract_logins_11] structure of the source is damaged -----FAILED-----"_s));
+    QVERIFY(messages.at(2).startsWith(u"file is not a database"_s));
+    QCOMPARE(messages.at(5), u"PRAGMA TABLE_INFO(logins)"_s);
+    QVERIFY(messages.at(10).contains(u"no such column"_s));
 }
 
 void macos_accounts_test::logins_older_reader()
@@ -390,8 +393,7 @@ void macos_accounts_test::profiles_guid_is_no_sql()
     run.run({u"autofill_profiles"_s});
     QCOMPARE(run.lines(u"select phone_number from autofill_profiles"_s),
              QStringList({u""_s, u""_s}));
-    QVERIFY(run.log.has(u"[get_phone_for_autofill_profiles]--------FAILED------- *****to execute "
-                        "query query_source_phone"_s));
+    QVERIFY(run.log.messages().filter(u"autofill_profiles]--------FAILED"_s).isEmpty());
 }
 
 void macos_accounts_test::cards_of_two_schemas()

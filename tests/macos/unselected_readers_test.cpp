@@ -158,10 +158,13 @@ void macos_unselected_readers_test::sample_with_and_without_the_tables()
     for (const expectation &one : expectations) {
         const QStringList lines =
             without.log.messages_of(u"opera_macos::"_s + QLatin1StringView(one.function));
-        QCOMPARE(lines.count(QLatin1StringView(one.failure)), one.rows);
-        QCOMPARE(lines.filter(u"no such table: "_s + QLatin1StringView(one.table)).size(),
-                 one.rows);
-        QCOMPARE(lines.size(), one.rows * one.lines_per_failure + 2 * one.calls);
+        // Two files with half of the rows each; ten failures of a file are listed, the rest
+        // counted.
+        const qsizetype listed = 2 * qMin<qsizetype>(10, one.rows / 2);
+        const qsizetype counts = one.rows > listed ? 2 : 0;
+        QCOMPARE(lines.filter(u" more such failures -----FAILED----- "_s).size(), counts);
+        QCOMPARE(lines.filter(u"no such table: "_s + QLatin1StringView(one.table)).size(), listed);
+        QCOMPARE(lines.size(), listed * one.lines_per_failure + counts + 2 * one.calls);
     }
 }
 

@@ -185,9 +185,7 @@ void winos_accounts_test::a_guid_cannot_write_sql()
     run.run({u"autofill_profiles"_s});
     QCOMPARE(run.rows(u"select guid, email from autofill_profiles"_s),
              QList<QStringList>({{u"x\" or 1=1 --"_s, u""_s}}));
-    QCOMPARE(run.log.messages_of(u"opera_winos::extract_email_for_autofill_profiles"_s).at(1),
-             u"[extract_email_for_autofill_profiles]---FAILED--- to execute query "
-             "query_source_web_data"_s);
+    QCOMPARE(run.log.messages_of(u"opera_winos::extract_email_for_autofill_profiles"_s).size(), 2);
 }
 
 QTEST_MAIN(winos_accounts_test)
