@@ -1,3 +1,4 @@
+#include "common/debug_log.h"
 #include "common/evidence/evidence_file.h"
 #include "common/plugin_static_function.h"
 
@@ -36,26 +37,24 @@ QSet<QString> trimmed_entry_names(const QString &directory)
 /// Copies by reading and writing, so that each side's failure can be named.
 void copy_file(const QString &source, const QString &destination, const QString &signature)
 {
-    using log = plugin_static_function;
     evidence_file from(source);
     if (!from.open_for_reading(evidence_file::links::refused)) {
-        log::app_debug(u"[copy_directory] source file open ----FAILED---- :"_s + source, signature);
-        log::app_debug(u"[copy_directory] Error:"_s + from.errorString(), signature);
+        debug_log(u"[copy_directory] source file open ----FAILED---- :"_s + source, signature);
+        debug_log(u"[copy_directory] Error:"_s + from.errorString(), signature);
         return;
     }
     QFile to(destination);
     if (!to.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
-        log::app_debug(u"[copy_directory] destination file open ----FAILED---- :"_s + destination,
-                       signature);
-        log::app_debug(u"[copy_directory] Error:"_s + to.errorString(), signature);
+        debug_log(u"[copy_directory] destination file open ----FAILED---- :"_s + destination,
+                  signature);
+        debug_log(u"[copy_directory] Error:"_s + to.errorString(), signature);
         return;
     }
     while (!from.atEnd()) {
         const QByteArray block = from.read(262'144);
         if (block.isEmpty() || to.write(block) != block.size()) {
-            log::app_debug(u"[copy_directory] Error:"_s + from.errorString() + u' ' +
-                               to.errorString(),
-                           signature);
+            debug_log(u"[copy_directory] Error:"_s + from.errorString() + u' ' + to.errorString(),
+                      signature);
             return;
         }
     }
@@ -157,7 +156,7 @@ void plugin_static_function::copy_directory(const QString &source, const QString
     const QString signature =
         u"static void plugin_static_function::copy_directory(QString, QString)"_s;
     if (source.isEmpty() || !QDir(source).exists()) {
-        app_debug(u"[copy_directory] source diectory does not exist ----FAILED---- :"_s + source,
+        debug_log(u"[copy_directory] source diectory does not exist ----FAILED---- :"_s + source,
                   signature);
         return;
     }
@@ -166,7 +165,7 @@ void plugin_static_function::copy_directory(const QString &source, const QString
     while (!QFileInfo::exists(existing) && !QDir(existing).isRoot())
         existing = QFileInfo(existing).path();
     if (is_inside_folder(existing, source)) {
-        app_debug(u"[copy_directory] Error:destination lies in the source, "_s + destination,
+        debug_log(u"[copy_directory] Error:destination lies in the source, "_s + destination,
                   signature);
         return;
     }

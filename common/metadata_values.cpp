@@ -10,6 +10,7 @@
 // An item of a list stands in quotes unless it is a plain word; inside the quotes a backslash
 // escapes quotes and backslashes, and "\U2019" is the character of that code.
 
+#include "common/debug_log.h"
 #include "common/metadata/printed_items.h"
 #include "common/plugin_static_function.h"
 #include "common/values/text_values.h"
@@ -164,7 +165,7 @@ QDateTime plugin_static_function::get_datetime_from_string_with_iso_date(const Q
 {
     const QString signature = u"static QDateTime plugin_static_function::"
                               "get_datetime_from_string_with_iso_date(QString)"_s;
-    app_debug(u"Start " + text, signature);
+    debug_log(u"Start " + text, signature);
 
     static const QRegularExpression iso_form(QRegularExpression::anchoredPattern(
         u"(\\d{4}-\\d\\d-\\d\\d)"
@@ -181,6 +182,6 @@ QDateTime plugin_static_function::get_datetime_from_string_with_iso_date(const Q
                             .addSecs(parts.captured(3) == u"-" ? offset : -offset);
     }
 
-    app_debug(u"End " + text, signature);
+    debug_log(u"End " + text, signature);
     return date_time;
 }

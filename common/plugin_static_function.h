@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/debug_log.h"
 #include "common/host_records.h"
 #include "common/metadata/metadata_records.h"
 
@@ -79,9 +80,10 @@ public:
 
     // ---- Debug log (debug_log.cpp) ----------------------------------------------------------
 
-    /// Writes one line to the Qt debug stream and the debug file, as the log settings say. Of the
-    /// function info only the qualified name appears; an empty one is replaced by a fixed text.
-    static void app_debug(const QString &message, const QString &function_info);
+    static void app_debug(const QString &message, const QString &function_info)
+    {
+        debug_log(message, function_info);
+    }
     /// Opens the debug file for appending when logging to a file is on; a failure is not reported.
     static void open_debug_file();
     static void close_debug_file();

@@ -1,3 +1,4 @@
+#include "common/debug_log.h"
 #include "common/plugin_static_function.h"
 #include "common/values/text_values.h"
 #include "common/values/time_values.h"
@@ -265,7 +266,7 @@ QString plugin_static_function::get_source_os_scan_version(const QString &scheme
 
 QString plugin_static_function::convert_string_to_unicode(const QString &text)
 {
-    app_debug(u" : running"_s,
+    debug_log(u" : running"_s,
               u"static QString plugin_static_function::convert_string_to_unicode(QString)"_s);
 
     QString decoded = empty_text();

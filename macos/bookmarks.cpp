@@ -1,6 +1,7 @@
 // Bookmarks and Speed Dial, from the "Bookmarks" file: a walk over its JSON, and a reader that goes
 // line by line.
 
+#include "common/debug_log.h"
 #include "common/evidence/evidence_file.h"
 #include "common/extraction/record_reader.h"
 #include "common/plugin_static_function.h"
@@ -115,7 +116,7 @@ void leave_folder(QString &path)
 void opera_macos::walk_bookmarks(const bookmark_walk &walk, const QJsonValue &children,
                                  const QJsonObject &parent, bool cancelled)
 {
-    plugin_static_function::app_debug(u"[extract_bookmarks_items] starts"_s, walk.signature);
+    debug_log(u"[extract_bookmarks_items] starts"_s, walk.signature);
     if (children.isArray()) {
         const QJsonArray entries = children.toArray();
         if (!entries.isEmpty())
@@ -138,7 +139,7 @@ void opera_macos::walk_bookmarks(const bookmark_walk &walk, const QJsonValue &ch
         }
         return;
     }
-    plugin_static_function::app_debug(u"[extract_bookmarks_items] ends"_s, walk.signature);
+    debug_log(u"[extract_bookmarks_items] ends"_s, walk.signature);
 }
 
 void opera_macos::walk_items(const record_reader &reader, const QString &signature,
@@ -180,9 +181,9 @@ void opera_macos::read_bookmark_roots(const record_reader &reader, const QString
     read_records(reader, files, state_.run, [&](record_sink &sink) {
         evidence_file file(sink.file().path);
         if (!file.open_whole(evidence_file::largest_json)) {
-            plugin_static_function::app_debug(
-                u"[extract_11_bookmarks] source file opening ---FAILED--- "_s + sink.file().path,
-                QString::fromUtf8(reader.signature));
+            debug_log(u"[extract_11_bookmarks] source file opening ---FAILED--- "_s +
+                          sink.file().path,
+                      QString::fromUtf8(reader.signature));
             return reading_end::at_once;
         }
         QJsonParseError error;
@@ -302,9 +303,8 @@ void opera_macos::extract_bookmark()
         if (file.open_whole()) {
             read_bookmark_lines(file, sink);
         } else {
-            plugin_static_function::app_debug(
-                u"[extract_bookmark]source file -----FAILED----- to open"_s, signature);
-            plugin_static_function::app_debug(u"-----Error----"_s + file.errorString(), signature);
+            debug_log(u"[extract_bookmark]source file -----FAILED----- to open"_s, signature);
+            debug_log(u"-----Error----"_s + file.errorString(), signature);
         }
         return reading_end::next_file;
     });

@@ -1,5 +1,6 @@
 // Cached files: every file of the cache folders but the cache's own bookkeeping.
 
+#include "common/debug_log.h"
 #include "common/evidence/evidence_file.h"
 #include "common/evidence/sorted_walk.h"
 #include "common/extraction/record_reader.h"
@@ -122,10 +123,9 @@ void opera_macos::extract_cached_files_11()
 {
     read_records(cached_files_11, found_.cached_files, state_.run, [this](record_sink &sink) {
         if (!read_cache_folder(sink))
-            plugin_static_function::app_debug(
-                u"[extract_cached_files_11] folder listing ---------FAILED----------"_s +
-                    sink.file().path,
-                QString::fromUtf8(cached_files_11.signature));
+            debug_log(u"[extract_cached_files_11] folder listing ---------FAILED----------"_s +
+                          sink.file().path,
+                      QString::fromUtf8(cached_files_11.signature));
         return reading_end::next_file;
     });
 }

@@ -2,6 +2,7 @@
 // extensions.
 
 #include "common/artefacts/extension_manifest.h"
+#include "common/debug_log.h"
 #include "common/evidence/evidence_file.h"
 #include "common/extraction/record_reader.h"
 #include "common/plugin_static_function.h"
@@ -100,10 +101,9 @@ void opera_macos::extract_extensions(const QString &source_path)
                                            ? QJsonDocument::fromJson(file.readAll())
                                            : QJsonDocument();
         if (!document.isObject()) {
-            plugin_static_function::app_debug(
-                u"[extract_extensions_and_themes] source file opening ---FAILED--- "_s +
-                    sink.file().path,
-                QString::fromUtf8(extensions_reader.signature));
+            debug_log(u"[extract_extensions_and_themes] source file opening ---FAILED--- "_s +
+                          sink.file().path,
+                      QString::fromUtf8(extensions_reader.signature));
             return reading_end::at_once;
         }
         const QJsonObject settings =

@@ -1,6 +1,6 @@
 #include "macos/opera_macos.h"
 
-#include "common/plugin_static_function.h"
+#include "common/debug_log.h"
 
 #include <QFileInfo>
 
@@ -143,7 +143,7 @@ void opera_macos::find_source_file()
     };
 
     const QString signature = u"void opera_macos::find_source_file()"_s;
-    plugin_static_function::app_debug(u"[find_source_file] starts"_s, signature);
+    debug_log(u"[find_source_file] starts"_s, signature);
     const QString users = state_.run.source_root + u"Users/";
     found_ = {};
     for (const QString &account : std::as_const(state_.account_names)) {
@@ -159,7 +159,7 @@ void opera_macos::find_source_file()
                 (found_.*list).append(path);
         }
     }
-    plugin_static_function::app_debug(u"[find_source_file] ends"_s, signature);
+    debug_log(u"[find_source_file] ends"_s, signature);
 }
 
 bool opera_macos::run_current_then_older(int (opera_macos::*current)(),
@@ -213,11 +213,11 @@ void opera_macos::extract_plugin_artifacts()
     // clang-format on
 
     const QString signature = u"void opera_macos::extract_plugin_artifacts()"_s;
-    plugin_static_function::app_debug(u"[extract_plugin_artifacts] starts"_s, signature);
+    debug_log(u"[extract_plugin_artifacts] starts"_s, signature);
     const bool completed =
         run_selected_tables<opera_macos>(*this, state_, steps, [this](int tables) {
             Q_EMIT signal_total_tabs_processed_macos(tables);
         });
     if (completed)
-        plugin_static_function::app_debug(u"[extract_plugin_artifacts] ends"_s, signature);
+        debug_log(u"[extract_plugin_artifacts] ends"_s, signature);
 }

@@ -1,5 +1,6 @@
 #include "plugin/opera.h"
 
+#include "common/debug_log.h"
 #include "common/plugin_helper_functions.h"
 #include "common/plugin_static_function.h"
 #include "macos/opera_macos.h"
@@ -156,7 +157,7 @@ opera::extractor_kind opera::matching_extractor(const QString &signature)
         return extractor_kind::ios_uid;
     if (os_scheme_internal_ == "winOS"_L1)
         return extractor_kind::winos;
-    plugin_static_function::app_debug(
+    debug_log(
         u"------FAILED------- supported os scheme internal not matched, received os scheme internal =  "_s +
             os_scheme_internal_ + u", plugin name is " + pub_get_artifact_name(),
         signature);
@@ -189,7 +190,7 @@ void opera::pub_set_extended_attributes_list(QList<QString> names)
 void opera::pub_extract_artifacts()
 {
     const QString signature = u"virtual void opera::pub_extract_artifacts()"_s;
-    plugin_static_function::app_debug(u"[pub_extract_artifacts] - START"_s, signature);
+    debug_log(u"[pub_extract_artifacts] - START"_s, signature);
     Q_EMIT signal_extracted_records_of_plugin_overall(0);
 
     macos_extractor_->macos_set_plugin_helper_obj(helper_);
@@ -220,7 +221,7 @@ void opera::pub_extract_artifacts()
     }
 
     Q_EMIT signal_extracted_records_of_plugin_overall(extracted_records_);
-    plugin_static_function::app_debug(u"[pub_extract_artifacts] - END"_s, signature);
+    debug_log(u"[pub_extract_artifacts] - END"_s, signature);
 }
 
 void opera::pub_generate_chat_html_pages() {}

@@ -1,8 +1,8 @@
 // Address profiles, from the "Web Data" file: the profile's own row, and names, e-mail addresses
 // and phone numbers from tables of their own.
 
+#include "common/debug_log.h"
 #include "common/extraction/named_connection.h"
-#include "common/plugin_static_function.h"
 #include "common/values/text_values.h"
 #include "winos/opera_winos.h"
 #include "winos/winos_readers.h"
@@ -57,9 +57,8 @@ void for_each_profile_row(const profile_look_up &look_up, const QString &guid,
                           named_connection &source, extraction_run &run,
                           const std::function<bool(const QSqlQuery &)> &each)
 {
-    using common = plugin_static_function;
     const QString signature = QString::fromUtf8(look_up.signature);
-    common::app_debug(QString::fromUtf8(look_up.starts), signature);
+    debug_log(QString::fromUtf8(look_up.starts), signature);
     const QString sql = pasted_statement(look_up.select, guid);
     if (source.is_open()) {
         QSqlQuery query(source.database());
@@ -77,7 +76,7 @@ void for_each_profile_row(const profile_look_up &look_up, const QString &guid,
     } else {
         log_failure(open_failure(look_up.open_failed), signature, {.error = source.error_text()});
     }
-    common::app_debug(QString::fromUtf8(look_up.ends), signature);
+    debug_log(QString::fromUtf8(look_up.ends), signature);
 }
 
 QString joined_rows(const profile_look_up &look_up, const QString &guid, named_connection &source,

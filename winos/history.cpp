@@ -1,5 +1,6 @@
 // History and search terms, from the "History" file.
 
+#include "common/debug_log.h"
 #include "common/plugin_static_function.h"
 #include "common/values/text_values.h"
 #include "common/values/time_values.h"
@@ -120,8 +121,8 @@ const database_reader winos_readers::search_items = {
 
 QString opera_winos::file_url_to_unix_name(const QString &file_url) const
 {
-    plugin_static_function::app_debug(u"[file_url_to_unix_name] -Starts"_s,
-                                      u"QString opera_winos::file_url_to_unix_name(QString)"_s);
+    debug_log(u"[file_url_to_unix_name] -Starts"_s,
+              u"QString opera_winos::file_url_to_unix_name(QString)"_s);
     if (!file_url.contains("C:/"_L1))
         return empty_text();
     // The first ":/" ends the scheme, the second one the drive.

@@ -1,7 +1,7 @@
 #include "winos/opera_winos.h"
 
+#include "common/debug_log.h"
 #include "common/extraction/named_connection.h"
-#include "common/plugin_static_function.h"
 
 #include <QFileInfo>
 #include <QtSql/QSqlQuery>
@@ -136,7 +136,7 @@ void opera_winos::find_source_file()
     };
 
     const QString signature = u"void opera_winos::find_source_file()"_s;
-    plugin_static_function::app_debug(u"[find_source_file] -Starts"_s, signature);
+    debug_log(u"[find_source_file] -Starts"_s, signature);
     found_ = {};
     for (const QString &account : std::as_const(state_.account_names)) {
         const QString profile = state_.run.source_root + u"Users/" + account +
@@ -146,10 +146,10 @@ void opera_winos::find_source_file()
             if (!QFileInfo::exists(path))
                 continue;
             (found_.*one.consumer).append(path);
-            plugin_static_function::app_debug(QLatin1StringView(one.found) + path, signature);
+            debug_log(QLatin1StringView(one.found) + path, signature);
         }
     }
-    plugin_static_function::app_debug(u"[find_source_file] -Ends"_s, signature);
+    debug_log(u"[find_source_file] -Ends"_s, signature);
 }
 
 bool opera_winos::run_once(void (opera_winos::*extractor)())
@@ -186,13 +186,13 @@ void opera_winos::extract_plugin_artifacts()
     // clang-format on
 
     const QString signature = u"void opera_winos::extract_plugin_artifacts()"_s;
-    plugin_static_function::app_debug(u"[extract_plugins_artifacts] -Starts"_s, signature);
+    debug_log(u"[extract_plugins_artifacts] -Starts"_s, signature);
     const bool completed =
         run_selected_tables<opera_winos>(*this, state_, steps, [this](int tables) {
             Q_EMIT signal_total_tabs_processed_winos(tables);
         });
     if (completed)
-        plugin_static_function::app_debug(u"[extract_plugins_artifacts] -Ends"_s, signature);
+        debug_log(u"[extract_plugins_artifacts] -Ends"_s, signature);
 }
 
 bool opera_winos::check_duplicate_file(const QString &name)

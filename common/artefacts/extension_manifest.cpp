@@ -1,5 +1,6 @@
 #include "common/artefacts/extension_manifest.h"
 
+#include "common/debug_log.h"
 #include "common/evidence/evidence_file.h"
 #include "common/extraction/failure_log.h"
 #include "common/plugin_static_function.h"
@@ -75,9 +76,8 @@ exported_picture export_extension_picture(const QString &folder, const QString &
         exported.copy_path = u"./Images/"_s + name;
         earlier_copies.insert(resolved.filePath(), exported.copy_path);
     } else
-        plugin_static_function::app_debug(operation_tag(signature) +
-                                              u" picture is not copied ---------FAILED----------" +
-                                              resolved.filePath(),
-                                          signature);
+        debug_log(operation_tag(signature) + u" picture is not copied ---------FAILED----------" +
+                      resolved.filePath(),
+                  signature);
     return exported;
 }

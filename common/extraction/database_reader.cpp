@@ -1,10 +1,10 @@
 #include "common/extraction/database_reader.h"
 
+#include "common/debug_log.h"
 #include "common/extraction/named_connection.h"
 #include "common/extraction/page_walk.h"
 #include "common/extraction/reading_budget.h"
 #include "common/plugin_helper_functions.h"
-#include "common/plugin_static_function.h"
 
 #include <QFileInfo>
 #include <QRegularExpression>
@@ -180,10 +180,10 @@ file_result write_rows(const file_reading &reading, QSqlQuery &rows, row_inserti
     }
     if (rows.lastError().isValid() || !row.has_budget()) {
         // A damaged page ends the rows just as the last row does; the log must tell them apart.
-        plugin_static_function::app_debug(
-            operation_tag(reading.signature) +
-                u" rows of the source end early ---------FAILED----------" + reading.file.path,
-            reading.signature);
+        debug_log(operation_tag(reading.signature) +
+                      u" rows of the source end early ---------FAILED----------" +
+                      reading.file.path,
+                  reading.signature);
         reading.log({error_text, executed_query},
                     row.has_budget() ? rows.lastError().text() : reading_budget::error(),
                     rows.lastQuery());
@@ -233,7 +233,7 @@ file_result read_path(const database_reader &reader, const QString &signature, c
 
     const qint64 copy_size = QFileInfo(copy).size() + QFileInfo(copy + u"-wal").size();
     const auto tell = [&](const QString &text) {
-        plugin_static_function::app_debug(operation_tag(signature) + text + path, signature);
+        debug_log(operation_tag(signature) + text + path, signature);
     };
     const int repeated = remove_repeated_pages(copy);
     if (repeated != 0)
@@ -330,7 +330,7 @@ int read_databases(const database_reader &reader, const QStringList &files, extr
                    const row_preparation &prepare_row)
 {
     const QString signature = QString::fromUtf8(reader.signature);
-    plugin_static_function::app_debug(QString::fromUtf8(reader.starts), signature);
+    debug_log(QString::fromUtf8(reader.starts), signature);
     if (run.idle_extractors_end_early && (run.cancelled() || files.isEmpty()))
         return 0;
 
@@ -353,6 +353,6 @@ int read_databases(const database_reader &reader, const QStringList &files, extr
             }
         }
     }
-    plugin_static_function::app_debug(QString::fromUtf8(reader.ends), signature);
+    debug_log(QString::fromUtf8(reader.ends), signature);
     return result;
 }

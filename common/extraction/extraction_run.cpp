@@ -2,6 +2,7 @@
 
 #include "common/extraction/extractor_state.h"
 
+#include "common/debug_log.h"
 #include "common/evidence/evidence_file.h"
 #include "common/extraction/failure_log.h"
 #include "common/plugin_static_function.h"
@@ -48,10 +49,9 @@ bool lies_in_source(const QString &path, const QString &signature, const extract
 {
     if (is_inside_folder(path, run.source_root))
         return true;
-    plugin_static_function::app_debug(
-        operation_tag(signature) + u" file does not lie in the source ---------FAILED----------" +
-            path,
-        signature);
+    debug_log(operation_tag(signature) +
+                  u" file does not lie in the source ---------FAILED----------" + path,
+              signature);
     return false;
 }
 

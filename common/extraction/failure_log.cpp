@@ -1,6 +1,6 @@
 #include "common/extraction/failure_log.h"
 
-#include "common/plugin_static_function.h"
+#include "common/debug_log.h"
 
 namespace
 {
@@ -28,8 +28,7 @@ void log_failure(const failure_lines &lines, const QString &signature,
                  const failure_details &details)
 {
     for (const failure_line &line : lines)
-        plugin_static_function::app_debug(
-            QString::fromUtf8(line.text) + detail_text(line.followed_by, details), signature);
+        debug_log(QString::fromUtf8(line.text) + detail_text(line.followed_by, details), signature);
 }
 
 QString operation_tag(const QString &signature)

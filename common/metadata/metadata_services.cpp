@@ -1,6 +1,7 @@
 // The members of plugin_static_function that read metadata values and dictionaries through the
 // platform operations.
 
+#include "common/debug_log.h"
 #include "common/metadata/metadata_platform.h"
 #include "common/plugin_static_function.h"
 #include "common/values/text_values.h"
@@ -25,10 +26,9 @@ metadata_platform::reference value_of_key(void *dictionary, void *key, QLatin1St
     metadata_platform &platform = metadata_platform::current();
     const auto value = dictionary != nullptr ? platform.dictionary_value(dictionary, key) : nullptr;
     if (value == nullptr)
-        plugin_static_function::app_debug(u'[' + operation + u"]-----FAILED----- to get value: " +
-                                              (key != nullptr ? platform.text(key) : QString()),
-                                          u"static QString plugin_static_function::"_s + operation +
-                                              u"(void*, void*)");
+        debug_log(u'[' + operation + u"]-----FAILED----- to get value: " +
+                      (key != nullptr ? platform.text(key) : QString()),
+                  u"static QString plugin_static_function::"_s + operation + u"(void*, void*)");
     return value;
 }
 
