@@ -2,7 +2,7 @@
 
 #include "common/debug_log.h"
 #include "common/evidence/evidence_file.h"
-#include "common/plugin_static_function.h"
+#include "common/evidence/file_paths.h"
 
 #include <QFileInfo>
 
@@ -51,8 +51,7 @@ QString plugin_helper_functions::adhoc_copy(const QString &source_path,
     if (source.isEmpty())
         return {};
 
-    const QString name =
-        plugin_static_function::get_available_file(adhoc_parent_path_, source, signature);
+    const QString name = free_file_name(adhoc_parent_path_, source);
     if (name.isEmpty()) // cancelled
         return {};
     const QString copy = adhoc_parent_path_ + name;

@@ -6,6 +6,7 @@
 #include "common/extraction/record_reader.h"
 #include "common/plugin_static_function.h"
 #include "common/values/text_values.h"
+#include "common/values/time_values.h"
 #include "macos/opera_macos.h"
 
 #include <QJsonArray>
@@ -91,8 +92,8 @@ QString string_of(const QJsonValue &value)
 /// The values of a bookmark in the order of bookmark_value.
 QVariantList bookmark_record(const QJsonObject &entry, const QString &folder_path)
 {
-    const QString seconds = plugin_static_function::convert_google_time_to_epoch(
-        string_of(entry.value("date_added"_L1)));
+    const QString seconds =
+        microseconds_since_1601_to_unix_seconds(string_of(entry.value("date_added"_L1)));
     const QJsonValue meta_info = entry.value("meta_info"_L1);
     return {not_null(seconds.trimmed()), string_of(entry.value("name"_L1)),
             decode_percent(string_of(entry.value("url"_L1))), folder_path,
@@ -256,7 +257,7 @@ bool write_line_bookmark(const line_bookmark &bookmark, record_sink &sink)
     if (bookmark.url.isNull())
         return true;
     using common = plugin_static_function;
-    const QString seconds = common::convert_google_time_to_epoch(bookmark.date_added);
+    const QString seconds = microseconds_since_1601_to_unix_seconds(bookmark.date_added);
     return sink.write({not_null(seconds.section(u'.', 0, 0)),
                        common::convert_string_to_unicode(bookmark.name), bookmark.url});
 }

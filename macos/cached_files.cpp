@@ -2,9 +2,9 @@
 
 #include "common/debug_log.h"
 #include "common/evidence/evidence_file.h"
+#include "common/evidence/file_paths.h"
 #include "common/evidence/sorted_walk.h"
 #include "common/extraction/record_reader.h"
-#include "common/plugin_static_function.h"
 #include "common/values/text_values.h"
 #include "macos/opera_macos.h"
 
@@ -85,20 +85,19 @@ bool opera_macos::read_cache_folder(record_sink &sink)
         const QString file_name = path.section(u'/', -1);
         if (is_bookkeeping(file_name))
             return true;
-        using common = plugin_static_function;
         const file_description file = describe_file(path);
         const QMimeType type = media_type(path);
-        const QString inside = common::get_complete_file_path(
-            path_inside_source(path, state_.run), sink.file().system_user, state_.run.source_type);
+        const QString inside = complete_file_path(path_inside_source(path, state_.run),
+                                                  sink.file().system_user, state_.run.source_type);
         return sink.write(
             {file_name,
              inside,
              not_null(type.preferredSuffix()),
-             common::mining_size(path),
+             size_in_bytes(path),
              file.birth_time,
              file.content_creation_date,
              file.content_modification_date,
-             common::get_relative_file_path(inside, state_.run.source_root, state_.run.source_type),
+             relative_file_path(inside, state_.run.source_root, state_.run.source_type),
              type.name(),
              file.fs_content_change_date,
              file.fs_creation_date,

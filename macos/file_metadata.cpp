@@ -47,17 +47,16 @@ QString printed_attribute(metadata_platform::reference item, const QString &name
 /// The bare value of a printed description; the kind of value shows in its beginning.
 QString bare_value(const QString &name, const QString &description)
 {
-    using filters = plugin_static_function;
     if (description.startsWith("<CFNumber "_L1))
-        return filters::get_filtered_number_value(description);
+        return bare_number(description);
     if (description.startsWith("<CFBoolean "_L1))
-        return filters::get_filtered_boolean_value(description);
+        return bare_boolean(description);
     if (description.startsWith("<CFString "_L1))
-        return filters::get_filtered_cfstring_value(description);
+        return bare_string(description);
     const QString text = description.trimmed();
     if (name == "kMDItemWhereFroms"_L1)
-        return filters::get_filtered_wherefrom_value(text);
-    return filters::get_filtered_string_value(text);
+        return joined_addresses(text);
+    return joined_items(text);
 }
 
 QString attribute_text(metadata_platform::reference item, const QString &name)
@@ -167,7 +166,7 @@ file_description opera_macos::describe_file(const QString &path) const
 {
     using common = plugin_static_function;
     const auto seconds = [](const QString &printed_date) {
-        return common::get_filtered_date_value(printed_date);
+        return printed_date_to_unix_seconds(printed_date);
     };
     const struct_GLOBAL_ARTIFACT_cfstring_attributes attributes = extract_cfstring_attributes(path);
     const struct_GLOBAL_ARTIFACT_used_dates used = common::extract_used_date(path);

@@ -1,6 +1,7 @@
 #include "plugin/opera.h"
 
 #include "common/debug_log.h"
+#include "common/evidence/file_paths.h"
 #include "common/plugin_helper_functions.h"
 #include "common/plugin_static_function.h"
 #include "macos/opera_macos.h"
@@ -228,7 +229,7 @@ void opera::pub_generate_chat_html_pages() {}
 
 void opera::pub_remove_temporary_asthetics()
 {
-    plugin_static_function::remove_directory(temporary_directory_);
+    remove_folder(temporary_directory_);
     plugin_static_function::close_debug_file();
 }
 

@@ -4,8 +4,8 @@
 
 #include "common/debug_log.h"
 #include "common/evidence/evidence_file.h"
+#include "common/evidence/file_paths.h"
 #include "common/extraction/failure_log.h"
-#include "common/plugin_static_function.h"
 
 #include <QFileInfo>
 
@@ -57,14 +57,12 @@ bool lies_in_source(const QString &path, const QString &signature, const extract
 
 QString size_in_source(const QString &path, extraction_run &run)
 {
-    using common = plugin_static_function;
     const QString place = QFileInfo(path).canonicalFilePath();
     if (!QFileInfo(place).isDir())
-        return common::mining_size(place);
+        return size_in_bytes(place);
     const auto known = run.folder_sizes.constFind(place);
-    return known != run.folder_sizes.cend()
-               ? *known
-               : *run.folder_sizes.insert(place, common::mining_size(place));
+    return known != run.folder_sizes.cend() ? *known
+                                            : *run.folder_sizes.insert(place, size_in_bytes(place));
 }
 
 void tidy_account_names(QStringList &names)
