@@ -1,4 +1,4 @@
-// Saved logins, from the "Login Data" file. Passwords stay in the browser's enciphered form.
+// Saved logins, from the "Login Data" file. Passwords stay in the browser's encrypted form.
 
 #include "macos/macos_readers.h"
 #include "macos/opera_macos.h"

@@ -88,14 +88,14 @@ public:
 
     /// Table cookies.
     void extract_cookies();
-    /// Table logins; passwords stay enciphered.
+    /// Table logins; passwords stay encrypted.
     void extract_login_data();
 
     /// Table autofill.
     void extract_webdata_autofill();
     /// Table autofill_profiles.
     void extract_webdata_autofill_profiles();
-    /// Table credits_cards; card numbers stay enciphered.
+    /// Table credits_cards; card numbers stay encrypted.
     void extract_webdata_credit_cards();
     /// Look-ups of one profile in a private copy of a "Web Data" file. A failure is logged and
     /// gives empty texts. Each keeps its connection to the copy until it is given another one, or

@@ -49,7 +49,7 @@ namespace
 
 /// What a placeholder for the stored value receives: its text. A whole number may stay one, as a
 /// typed result column makes the same value of its text. Bytes that are no text stay bytes: an
-/// enciphered password would otherwise lose what no text can hold.
+/// encrypted password would otherwise lose what no text can hold.
 QVariant text_or_number(const QVariant &stored)
 {
     const int type = stored.typeId();
