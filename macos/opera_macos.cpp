@@ -9,85 +9,19 @@
 using namespace Qt::StringLiterals;
 
 opera_macos::opera_macos(QWidget *parent)
-    : QWidget(parent), state_{.run = extraction_run([this](qint64 records) {
-                                  Q_EMIT signal_extracted_records_of_plugin_macos(records);
-                              })}
-{
-}
-
-void opera_macos::macos_set_plugin_helper_obj(plugin_helper_functions *helper)
-{
-    state_.run.helper = helper;
-}
-
-void opera_macos::macos_set_record_count(qint64 records)
-{
-    state_.run.set_records(records);
-}
-
-void opera_macos::macos_set_tab_processed_count(int tables)
-{
-    state_.tabs_processed = tables;
-}
-
-void opera_macos::macos_set_desktop_info(
-    const struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_desktop_info & /*info*/)
-{
-}
-
-void opera_macos::macos_set_general_info(
-    const struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_general_info & /*info*/)
+    : QWidget(parent), extractor_settings([this](qint64 records) {
+          Q_EMIT signal_extracted_records_of_plugin_macos(records);
+      })
 {
 }
 
 void opera_macos::macos_set_source_info(
     const struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_source_info &info)
 {
-    state_.run.source_root = info.virtual_source_path;
-    state_.run.source_type = info.source_type_internal;
-    state_.run.os_scheme_display = info.os_scheme_display;
+    set_source_info(info);
     for (const auto &account : info.system_account_list)
         state_.account_names.append(account.system_user);
     tidy_account_names(state_.account_names);
-}
-
-void opera_macos::macos_set_essentials()
-{
-    state_.run.set_cancelled(false);
-}
-
-void opera_macos::macos_set_plugin_name(const QString &name)
-{
-    state_.plugin_name = name.trimmed();
-}
-
-void opera_macos::macos_set_destination_location(const QString &result_directory,
-                                                 const QString &temporary_directory,
-                                                 const QString &destination_db_path)
-{
-    state_.run.result_directory = result_directory;
-    state_.run.temporary_directory = temporary_directory;
-    state_.run.destination_path = destination_db_path;
-}
-
-void opera_macos::macos_set_essential_for_mirva_bench_extraction(const QList<QString> &tables)
-{
-    state_.table_list = tables;
-}
-
-void opera_macos::macos_set_engine_type(int engine_type)
-{
-    state_.engine_type = engine_type;
-}
-
-void opera_macos::macos_cancel_extraction()
-{
-    state_.run.set_cancelled(true);
-}
-
-void opera_macos::macos_set_source_count(int source_count)
-{
-    state_.source_count = source_count;
 }
 
 void opera_macos::macos_set_extended_attributes_list(const QList<QString> &names)

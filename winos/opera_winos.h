@@ -2,7 +2,6 @@
 
 #include "common/extraction/extractor_state.h"
 #include "common/extraction/named_connection.h"
-#include "common/host_records.h"
 
 #include <QList>
 #include <QString>
@@ -12,7 +11,6 @@
 #include <map>
 #include <memory>
 
-class plugin_helper_functions;
 class record_sink;
 class source_row;
 struct record_reader;
@@ -21,7 +19,7 @@ struct record_reader;
 /// artefact kind into its result table. The controller calls the members prefixed winos_ in its own
 /// calling order; see opera.h. Every extractor logs its start, its failures and its end, counts
 /// each row it writes and stops at the next row when cancelled; rows written so far stay.
-class opera_winos : public QWidget
+class opera_winos : public QWidget, private extractor_settings
 {
     Q_OBJECT
 
@@ -43,24 +41,38 @@ public:
 
     explicit opera_winos(QWidget *parent = nullptr);
 
-    void winos_set_plugin_helper_obj(plugin_helper_functions *helper);
-    void winos_set_record_count(qint64 records);
-    void winos_set_tab_processed_count(int tables);
-    void winos_set_desktop_info(const struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_desktop_info &info);
-    void winos_set_general_info(const struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_general_info &info);
-    /// Keeps root, type and display text; both names of every account are searched.
+    // Settings; see extractor_settings.
+    void winos_set_plugin_helper_obj(plugin_helper_functions *helper)
+    {
+        set_plugin_helper_obj(helper);
+    }
+    void winos_set_record_count(qint64 records) { set_record_count(records); }
+    void winos_set_tab_processed_count(int tables) { set_tab_processed_count(tables); }
+    void winos_set_desktop_info(const struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_desktop_info &info)
+    {
+        desktop_info_ = info;
+    }
+    void winos_set_general_info(const struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_general_info &info)
+    {
+        general_info_ = info;
+    }
+    /// Both names of every account are searched.
     void winos_set_source_info(const struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_source_info &info);
-    /// Clears the cancel flag.
-    void winos_set_essentials();
-    void winos_set_plugin_name(const QString &name);
+    void winos_set_essentials() { set_essentials(); }
+    void winos_set_plugin_name(const QString &name) { set_plugin_name(name); }
     void winos_set_destination_location(const QString &result_directory,
                                         const QString &temporary_directory,
-                                        const QString &destination_db_path);
-    void winos_set_essential_for_mirva_bench_extraction(const QList<QString> &tables);
-    void winos_set_engine_type(int engine_type);
-    /// May be called from any thread.
-    void winos_cancel_extraction();
-    void winos_set_source_count(int source_count);
+                                        const QString &destination_db_path)
+    {
+        set_destination_location(result_directory, temporary_directory, destination_db_path);
+    }
+    void winos_set_essential_for_mirva_bench_extraction(const QList<QString> &tables)
+    {
+        set_tables(tables);
+    }
+    void winos_set_engine_type(int engine_type) { set_engine_type(engine_type); }
+    void winos_cancel_extraction() { cancel(); }
+    void winos_set_source_count(int source_count) { set_source_count(source_count); }
     void winos_find_artifacts_source();
     /// Runs the driver and signals the final record count.
     void winos_extract_artifacts();
@@ -166,7 +178,6 @@ private:
     /// Opening reads the whole schema: a connection serves all rows of a file.
     named_connection &profile_source(const QString &signature, const QString &web_data_path);
 
-    extractor_state state_;
     found_files found_;
     std::map<QString, std::unique_ptr<named_connection>> profile_sources_; ///< by signature
     struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_desktop_info desktop_info_;
