@@ -2,7 +2,7 @@
 // platform operations.
 
 #include "common/debug_log.h"
-#include "common/metadata/metadata_platform.h"
+#include "common/metadata/metadata_item.h"
 #include "common/plugin_static_function.h"
 #include "common/values/text_values.h"
 
@@ -12,13 +12,6 @@ namespace
 {
 
 const QString date_pattern = u"dd-MMM-yyyy,HH:mm:ss a"_s;
-
-QString description_of_attribute(metadata_platform::reference item, const QString &name)
-{
-    metadata_platform &platform = metadata_platform::current();
-    const metadata_reference value(platform.copy_attribute(item, name));
-    return value ? platform.description(value.get()) : empty_text();
-}
 
 /// The value of a key; a missing one is logged as the operation's failure.
 metadata_platform::reference value_of_key(void *dictionary, void *key, QLatin1StringView operation)
@@ -48,22 +41,7 @@ QString labelled(const QString &label, const QString &value)
 struct_GLOBAL_ARTIFACT_used_dates
 plugin_static_function::extract_used_date(const QString &file_path)
 {
-    const metadata_reference item(metadata_platform::current().create_item(file_path));
-    if (!item)
-        return {empty_text(), empty_text()};
-
-    const auto cleaned = [](QString description) {
-        return description.remove(u'(').remove(u')').remove(u'"');
-    };
-    QStringList dates;
-    for (const QString &date :
-         cleaned(description_of_attribute(item.get(), u"kMDItemUsedDates"_s)).split(u',')) {
-        if (!date.trimmed().isEmpty())
-            dates.append(date.trimmed());
-    }
-    return {
-        not_null(cleaned(description_of_attribute(item.get(), u"kMDItemLastUsedDate"_s)).trimmed()),
-        not_null(dates.join(u';'))};
+    return metadata_item(file_path).used_dates();
 }
 
 QString plugin_static_function::convert_cfstring_to_qstring(const __CFString *string)

@@ -244,7 +244,6 @@ private:
 
     /// Everything that is known about an existing file of the source.
     file_description describe_file(const QString &path) const;
-    QString torrent_names_of(const QString &path) const;
     /// What is known about files that several downloads name.
     using description_cache = QCache<QString, file_description>;
     file_description describe_once(const QString &path, description_cache &known) const;
