@@ -9,14 +9,11 @@
 #include <QStringList>
 #include <QWidget>
 
-#include <functional>
-
 class QJsonObject;
 class QJsonValue;
 class QSqlDatabase;
 class QSqlQuery;
 class record_sink;
-class row_insertion;
 class source_row;
 struct database_reader;
 struct record_reader;
@@ -251,22 +248,6 @@ private:
     void derive_download(source_row &row, description_cache &known);
     int read_downloads(const database_reader &reader);
     bool read_cache_folder(record_sink &sink);
-
-    /// Where the entries of a walk go.
-    struct bookmark_walk {
-        row_insertion &rows;
-        const source_file &file;
-        const QString &signature;
-    };
-    using bookmark_roots = std::function<void(const QJsonObject &roots, record_sink &sink)>;
-    void read_bookmark_roots(const record_reader &reader, const QString &source_path,
-                             const bookmark_roots &walk_roots);
-    void walk_items(const record_reader &reader, const QString &signature,
-                    const QJsonValue &children, const QJsonObject &parent,
-                    const QString &source_path, QSqlQuery &query, const QString &account,
-                    bool cancelled);
-    void walk_bookmarks(const bookmark_walk &walk, const QJsonValue &children,
-                        const QJsonObject &parent, bool cancelled);
 
     found_files found_;
     QStringList selected_attributes_; ///< as the host gave them
