@@ -59,15 +59,17 @@ public:
 
     /// Resets all of the above but the OS version for a new run; an open debug file stays open.
     static void set_essentials();
-    static void set_engine_type(int engine_type);
-    static void set_source_count(int source_count);
-    static void set_cancel_extraction(bool cancel);
+    static void set_engine_type(int engine_type) { type_engine_int = engine_type; }
+    static void set_source_count(int source_count) { source_count_int = source_count; }
+    static void set_cancel_extraction(bool cancel) { bool_cancel_extraction = cancel; }
     /// Keeps the OS version and the account list.
     static void
     set_source_info(const struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_source_info &source_info);
     /// Nothing of the desktop record is used.
     static void
-    set_desktop_info(const struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_desktop_info &desktop_info);
+    set_desktop_info(const struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_desktop_info & /*desktop_info*/)
+    {
+    }
     /// Takes over the log settings and opens the debug file when logging to a file is on.
     static void
     set_general_info(const struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_general_info &general_info);
@@ -76,9 +78,15 @@ public:
     static QString get_source_os_scan_version(const QString &scheme);
 
     static void clear_variables_mirva_and_artifact_common_source_info(
-        struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_source_info &source_info);
+        struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_source_info &source_info)
+    {
+        source_info = {};
+    }
     static void clear_variables_mirva_and_artifact_common_desktop_info(
-        struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_desktop_info &desktop_info);
+        struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_desktop_info &desktop_info)
+    {
+        desktop_info = {};
+    }
     /// Leaves debug_encryption_status as it was.
     static void clear_variables_mirva_and_artifact_common_general_info(
         struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_general_info &general_info);

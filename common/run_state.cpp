@@ -26,31 +26,11 @@ void plugin_static_function::set_essentials()
     system_account_QList.clear();
 }
 
-void plugin_static_function::set_engine_type(int engine_type)
-{
-    type_engine_int = engine_type;
-}
-
-void plugin_static_function::set_source_count(int source_count)
-{
-    source_count_int = source_count;
-}
-
-void plugin_static_function::set_cancel_extraction(bool cancel)
-{
-    bool_cancel_extraction = cancel;
-}
-
 void plugin_static_function::set_source_info(
     const struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_source_info &source_info)
 {
     source_os_version_full = source_info.os_version_full;
     system_account_QList = source_info.system_account_list;
-}
-
-void plugin_static_function::set_desktop_info(
-    const struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_desktop_info & /*desktop_info*/)
-{
 }
 
 bool run_is_cancelled()
@@ -78,18 +58,6 @@ QString plugin_static_function::get_source_os_scan_version(const QString &scheme
     const auto begin = std::ranges::find_if(version, is_digit);
     const auto end = std::find_if_not(begin, version.cend(), is_digit);
     return empty_text() + QStringView(begin, end);
-}
-
-void plugin_static_function::clear_variables_mirva_and_artifact_common_source_info(
-    struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_source_info &source_info)
-{
-    source_info = {};
-}
-
-void plugin_static_function::clear_variables_mirva_and_artifact_common_desktop_info(
-    struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_desktop_info &desktop_info)
-{
-    desktop_info = {};
 }
 
 void plugin_static_function::clear_variables_mirva_and_artifact_common_general_info(

@@ -15,8 +15,7 @@ opera_macos::opera_macos(QWidget *parent)
 {
 }
 
-void opera_macos::macos_set_source_info(
-    const struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_source_info &info)
+void opera_macos::macos_set_source_info(const source_record &info)
 {
     set_source_info(info);
     for (const auto &account : info.system_account_list)
@@ -28,11 +27,6 @@ void opera_macos::macos_set_extended_attributes_list(const QList<QString> &names
 {
     selected_attributes_ = names;
     extended_attributes_ = filter_extended_attribute_list();
-}
-
-void opera_macos::macos_find_artifacts_source()
-{
-    find_source_file();
 }
 
 void opera_macos::macos_extract_artifacts()

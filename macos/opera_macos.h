@@ -50,22 +50,13 @@ public:
     explicit opera_macos(QWidget *parent = nullptr);
 
     // Settings; see extractor_settings.
-    void macos_set_plugin_helper_obj(plugin_helper_functions *helper)
-    {
-        set_plugin_helper_obj(helper);
-    }
+    void macos_set_plugin_helper_obj(plugin_helper_functions *helper) { set_helper(helper); }
     void macos_set_record_count(qint64 records) { set_record_count(records); }
     void macos_set_tab_processed_count(int tables) { set_tab_processed_count(tables); }
-    void
-    macos_set_desktop_info(const struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_desktop_info & /*info*/)
-    {
-    }
-    void
-    macos_set_general_info(const struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_general_info & /*info*/)
-    {
-    }
+    void macos_set_desktop_info(const desktop_record & /*info*/) {}
+    void macos_set_general_info(const general_record & /*info*/) {}
     /// Account names are added to those of earlier calls.
-    void macos_set_source_info(const struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_source_info &info);
+    void macos_set_source_info(const source_record &info);
     void macos_set_essentials() { set_essentials(); }
     void macos_set_plugin_name(const QString &name) { set_plugin_name(name); }
     void macos_set_destination_location(const QString &result_directory,
@@ -82,7 +73,7 @@ public:
     void macos_cancel_extraction() { cancel(); }
     void macos_set_source_count(int source_count) { set_source_count(source_count); }
     void macos_set_extended_attributes_list(const QList<QString> &names);
-    void macos_find_artifacts_source();
+    void macos_find_artifacts_source() { find_source_file(); }
     /// Runs the driver and signals the final record count.
     void macos_extract_artifacts();
 

@@ -16,24 +16,12 @@ public:
     explicit opera_ios_uid(QWidget *parent = nullptr);
 
     // Settings; see extractor_settings.
-    void ios_uid_set_plugin_helper_obj(plugin_helper_functions *helper)
-    {
-        set_plugin_helper_obj(helper);
-    }
+    void ios_uid_set_plugin_helper_obj(plugin_helper_functions *helper) { set_helper(helper); }
     void ios_uid_set_record_count(qint64 records) { set_record_count(records); }
     void ios_uid_set_tab_processed_count(int tables) { set_tab_processed_count(tables); }
-    void
-    ios_uid_set_desktop_info(const struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_desktop_info & /*info*/)
-    {
-    }
-    void
-    ios_uid_set_general_info(const struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_general_info & /*info*/)
-    {
-    }
-    void ios_uid_set_source_info(const struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_source_info &info)
-    {
-        set_source_info(info);
-    }
+    void ios_uid_set_desktop_info(const desktop_record & /*info*/) {}
+    void ios_uid_set_general_info(const general_record & /*info*/) {}
+    void ios_uid_set_source_info(const source_record &info) { set_source_info(info); }
     void ios_uid_set_essentials() { set_essentials(); }
     void ios_uid_set_plugin_name(const QString &name) { set_plugin_name(name); }
     void ios_uid_set_destination_location(const QString &result_directory,

@@ -16,19 +16,13 @@ opera_winos::opera_winos(QWidget *parent)
     state_.run.idle_extractors_end_early = false;
 }
 
-void opera_winos::winos_set_source_info(
-    const struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_source_info &info)
+void opera_winos::winos_set_source_info(const source_record &info)
 {
     set_source_info(info);
     state_.account_names.clear();
     for (const auto &account : info.system_account_list)
         state_.account_names << account.system_user << account.domain_user;
     tidy_account_names(state_.account_names);
-}
-
-void opera_winos::winos_find_artifacts_source()
-{
-    find_source_file();
 }
 
 void opera_winos::winos_extract_artifacts()

@@ -42,22 +42,13 @@ public:
     explicit opera_winos(QWidget *parent = nullptr);
 
     // Settings; see extractor_settings.
-    void winos_set_plugin_helper_obj(plugin_helper_functions *helper)
-    {
-        set_plugin_helper_obj(helper);
-    }
+    void winos_set_plugin_helper_obj(plugin_helper_functions *helper) { set_helper(helper); }
     void winos_set_record_count(qint64 records) { set_record_count(records); }
     void winos_set_tab_processed_count(int tables) { set_tab_processed_count(tables); }
-    void winos_set_desktop_info(const struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_desktop_info &info)
-    {
-        desktop_info_ = info;
-    }
-    void winos_set_general_info(const struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_general_info &info)
-    {
-        general_info_ = info;
-    }
+    void winos_set_desktop_info(const desktop_record &info) { desktop_info_ = info; }
+    void winos_set_general_info(const general_record &info) { general_info_ = info; }
     /// Both names of every account are searched.
-    void winos_set_source_info(const struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_source_info &info);
+    void winos_set_source_info(const source_record &info);
     void winos_set_essentials() { set_essentials(); }
     void winos_set_plugin_name(const QString &name) { set_plugin_name(name); }
     void winos_set_destination_location(const QString &result_directory,
@@ -73,7 +64,7 @@ public:
     void winos_set_engine_type(int engine_type) { set_engine_type(engine_type); }
     void winos_cancel_extraction() { cancel(); }
     void winos_set_source_count(int source_count) { set_source_count(source_count); }
-    void winos_find_artifacts_source();
+    void winos_find_artifacts_source() { find_source_file(); }
     /// Runs the driver and signals the final record count.
     void winos_extract_artifacts();
 
@@ -180,6 +171,6 @@ private:
 
     found_files found_;
     std::map<QString, std::unique_ptr<named_connection>> profile_sources_; ///< by signature
-    struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_desktop_info desktop_info_;
-    struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_general_info general_info_;
+    desktop_record desktop_info_;
+    general_record general_info_;
 };

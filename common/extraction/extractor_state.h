@@ -26,16 +26,20 @@ struct extractor_state {
 class extractor_settings
 {
 protected:
+    using desktop_record = struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_desktop_info;
+    using general_record = struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_general_info;
+    using source_record = struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_source_info;
+
     explicit extractor_settings(extraction_run::record_signal signal)
         : state_{.run = extraction_run(std::move(signal))}
     {
     }
 
-    void set_plugin_helper_obj(plugin_helper_functions *helper) { state_.run.helper = helper; }
+    void set_helper(plugin_helper_functions *helper) { state_.run.helper = helper; }
     void set_record_count(qint64 records) { state_.run.set_records(records); }
     void set_tab_processed_count(int tables) { state_.tabs_processed = tables; }
     /// Keeps root, type and display text.
-    void set_source_info(const struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_source_info &info)
+    void set_source_info(const source_record &info)
     {
         state_.run.source_root = info.virtual_source_path;
         state_.run.source_type = info.source_type_internal;
