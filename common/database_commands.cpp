@@ -1,3 +1,4 @@
+#include "common/debug_log.h"
 #include "common/extraction/named_connection.h"
 #include "common/plugin_static_function.h"
 
@@ -72,11 +73,10 @@ struct call {
 void log_query_failure(const call &by, const QString &database_name, const QString &command,
                        const QSqlQuery &query)
 {
-    using log = plugin_static_function;
-    log::app_debug(by.texts.query_failed + database_name, by.signature);
-    log::app_debug(by.texts.caller + by.caller, by.signature);
-    log::app_debug(by.texts.command + command, by.signature);
-    log::app_debug(by.texts.error + query.lastError().text(), by.signature);
+    debug_log(by.texts.query_failed + database_name, by.signature);
+    debug_log(by.texts.caller + by.caller, by.signature);
+    debug_log(by.texts.command + command, by.signature);
+    debug_log(by.texts.error + query.lastError().text(), by.signature);
 }
 
 /// Executing after a failed prepare would replace the error that explains the failure.
@@ -134,10 +134,9 @@ public:
     {
         if (is_open())
             return;
-        using log = plugin_static_function;
-        log::app_debug(by.texts.open_failed + path, by.signature);
-        log::app_debug(by.texts.open_caller + by.caller, by.signature);
-        log::app_debug(by.texts.open_error + error_text(), by.signature);
+        debug_log(by.texts.open_failed + path, by.signature);
+        debug_log(by.texts.open_caller + by.caller, by.signature);
+        debug_log(by.texts.open_error + error_text(), by.signature);
     }
 };
 
@@ -151,23 +150,23 @@ bool execute_by_path(const call &by, const QString &command, const QStringList &
 QStringList list_from_path(const call &by, const QString &command, const QStringList &bind_values,
                            int column, const QString &path, const QString &end_text)
 {
-    plugin_static_function::app_debug(u" Start "_s, by.signature);
+    debug_log(u" Start "_s, by.signature);
     QStringList texts;
     {
         connection_by_path connection(by, path);
         if (connection.is_open())
             texts = read_column(by, command, bind_values, column, connection.database());
     }
-    plugin_static_function::app_debug(end_text, by.signature);
+    debug_log(end_text, by.signature);
     return texts;
 }
 
 QStringList list_from_reference(const call &by, const QString &command,
                                 const QStringList &bind_values, int column, QSqlDatabase &database)
 {
-    plugin_static_function::app_debug(u" Start "_s, by.signature);
+    debug_log(u" Start "_s, by.signature);
     QStringList texts = read_column(by, command, bind_values, column, database);
-    plugin_static_function::app_debug(u" end "_s, by.signature);
+    debug_log(u" end "_s, by.signature);
     return texts;
 }
 
@@ -271,11 +270,11 @@ bool plugin_static_function::check_value_existence_in_db_by_dbreference(
     QSqlQuery query(database);
     query.setForwardOnly(true);
     if (!run(query, command, {})) {
-        app_debug(u"[check_value_existence_in_db_by_dbpath] query --------FAILED------"_s +
+        debug_log(u"[check_value_existence_in_db_by_dbpath] query --------FAILED------"_s +
                       database.connectionName(),
                   signature);
-        app_debug(u"[check_value_existence_in_db_by_dbpath]command"_s + command, signature);
-        app_debug(u"[check_value_existence_in_db_by_dbpath] error"_s + query.lastError().text(),
+        debug_log(u"[check_value_existence_in_db_by_dbpath]command"_s + command, signature);
+        debug_log(u"[check_value_existence_in_db_by_dbpath] error"_s + query.lastError().text(),
                   signature);
         return false;
     }

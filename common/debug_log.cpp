@@ -1,3 +1,5 @@
+#include "common/debug_log.h"
+
 #include "common/encryptor_string.h"
 #include "common/plugin_static_function.h"
 
@@ -46,29 +48,31 @@ QString engine_part(int engine_type)
 
 } // namespace
 
-void plugin_static_function::app_debug(const QString &message, const QString &function_info)
+void debug_log(const QString &message, const QString &function_info)
 {
-    if (!debug_mode_status_bool)
+    using settings = plugin_static_function;
+    if (!settings::debug_mode_status_bool)
         return;
 
     const QString line = u'[' + QDateTime::currentDateTime().toString(u"yyyy-MMM-ddThh-mm-ss"_s) +
-                         engine_part(type_engine_int) + u"][Artifacts Extraction][" +
+                         engine_part(settings::type_engine_int) + u"][Artifacts Extraction][" +
                          qualified_name(function_info) + u"]:-- " + message;
 
-    if (debug_print_on_terminal_bool)
+    if (settings::debug_print_on_terminal_bool)
         qDebug().noquote() << line;
 
-    if (debug_print_in_file_bool && debug_file_regular_QFile.isOpen()) {
-        if (debug_encryption_status_bool) {
-            const QString cipher_text = encrypt_string(
+    QFile &file = settings::debug_file_regular_QFile;
+    if (settings::debug_print_in_file_bool && file.isOpen()) {
+        if (settings::debug_encryption_status_bool) {
+            const QString cipher_text = settings::encrypt_string(
                 line, u"static void plugin_static_function::app_debug(QString, QString)"_s);
-            debug_file_regular_QFile.write(cipher_text.toLocal8Bit());
-            debug_file_regular_QFile.write("<[{()}]>");
+            file.write(cipher_text.toLocal8Bit());
+            file.write("<[{()}]>");
         } else {
-            debug_file_regular_QFile.write(line.toLocal8Bit());
-            debug_file_regular_QFile.write("\n");
+            file.write(line.toLocal8Bit());
+            file.write("\n");
         }
-        debug_file_regular_QFile.flush();
+        file.flush();
     }
 }
 

@@ -55,9 +55,9 @@ void undo_chain(QByteArray &block, const QByteArray &key_bytes)
     char previous = 0;
     qsizetype position = 0;
     for (char &byte : block) {
-        const char enciphered = byte;
+        const char encrypted = byte;
         byte = static_cast<char>(byte ^ previous ^ key_byte(key_bytes, position++));
-        previous = enciphered;
+        previous = encrypted;
     }
 }
 

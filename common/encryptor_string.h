@@ -27,7 +27,7 @@ public:
 
     QByteArray encryptToByteArray(QByteArray plain);
     QByteArray encryptToByteArray(const QString &plain);
-    /// Base64 of the cipher text; empty when enciphering failed.
+    /// Base64 of the cipher text; empty when encrypting failed.
     QString encryptToString(const QByteArray &plain);
     QString encryptToString(const QString &plain);
 

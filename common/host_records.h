@@ -45,6 +45,6 @@ struct struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_general_info {
     bool debug_mode_status = false;       ///< nothing is logged when false
     bool debug_print_on_terminal = false; ///< log lines go to the Qt debug stream
     bool debug_print_in_file = false;     ///< log lines go to the debug file
-    bool debug_encryption_status = false; ///< lines of the debug file are enciphered
+    bool debug_encryption_status = false; ///< lines of the debug file are encrypted
     QString debug_file_path;              ///< debug file, opened for appending
 };

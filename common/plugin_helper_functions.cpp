@@ -1,7 +1,8 @@
 #include "common/plugin_helper_functions.h"
 
+#include "common/debug_log.h"
 #include "common/evidence/evidence_file.h"
-#include "common/plugin_static_function.h"
+#include "common/evidence/file_paths.h"
 
 #include <QFileInfo>
 
@@ -50,8 +51,7 @@ QString plugin_helper_functions::adhoc_copy(const QString &source_path,
     if (source.isEmpty())
         return {};
 
-    const QString name =
-        plugin_static_function::get_available_file(adhoc_parent_path_, source, signature);
+    const QString name = free_file_name(adhoc_parent_path_, source);
     if (name.isEmpty()) // cancelled
         return {};
     const QString copy = adhoc_parent_path_ + name;
@@ -64,10 +64,9 @@ QString plugin_helper_functions::adhoc_copy(const QString &source_path,
         if (!copy_evidence_file(source + suffix, copy + suffix, evidence_file::links::refused) &&
             (QFileInfo::exists(source + suffix) || QFileInfo(source + suffix).isSymLink()))
             // Without a line, nobody would know that the latest rows are missing.
-            plugin_static_function::app_debug(
-                u" companion file is not copied, its rows are missing -----FAILED----- "_s +
-                    source + suffix,
-                signature);
+            debug_log(u" companion file is not copied, its rows are missing -----FAILED----- "_s +
+                          source + suffix,
+                      signature);
     }
     return copy;
 }

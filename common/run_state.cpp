@@ -1,6 +1,11 @@
 // The process-wide state of plugin_static_function and what sets it.
 
+#include "common/run_state.h"
+
 #include "common/plugin_static_function.h"
+#include "common/values/text_values.h"
+
+#include <algorithm>
 
 QString plugin_static_function::source_os_version_full;
 QList<struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_system_account>
@@ -21,21 +26,6 @@ void plugin_static_function::set_essentials()
     system_account_QList.clear();
 }
 
-void plugin_static_function::set_engine_type(int engine_type)
-{
-    type_engine_int = engine_type;
-}
-
-void plugin_static_function::set_source_count(int source_count)
-{
-    source_count_int = source_count;
-}
-
-void plugin_static_function::set_cancel_extraction(bool cancel)
-{
-    bool_cancel_extraction = cancel;
-}
-
 void plugin_static_function::set_source_info(
     const struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_source_info &source_info)
 {
@@ -43,26 +33,31 @@ void plugin_static_function::set_source_info(
     system_account_QList = source_info.system_account_list;
 }
 
-void plugin_static_function::set_desktop_info(
-    const struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_desktop_info & /*desktop_info*/)
+bool run_is_cancelled()
 {
+    return plugin_static_function::bool_cancel_extraction;
 }
 
-QString plugin_static_function::get_source_count_name()
+QString numbered_source_name()
 {
-    return u"Source" + QString::number(source_count_int);
+    return u"Source" + QString::number(plugin_static_function::source_count_int);
 }
 
-void plugin_static_function::clear_variables_mirva_and_artifact_common_source_info(
-    struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_source_info &source_info)
+const QList<struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_system_account> &source_accounts()
 {
-    source_info = {};
+    return plugin_static_function::system_account_QList;
 }
 
-void plugin_static_function::clear_variables_mirva_and_artifact_common_desktop_info(
-    struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_desktop_info &desktop_info)
+QString plugin_static_function::get_source_os_scan_version(const QString &scheme)
 {
-    desktop_info = {};
+    if (scheme != u"macOS" && scheme != u"iOS" && scheme != u"winOS")
+        return empty_text();
+
+    const auto is_digit = [](QChar c) { return c >= u'0' && c <= u'9'; };
+    const QString &version = source_os_version_full;
+    const auto begin = std::ranges::find_if(version, is_digit);
+    const auto end = std::find_if_not(begin, version.cend(), is_digit);
+    return empty_text() + QStringView(begin, end);
 }
 
 void plugin_static_function::clear_variables_mirva_and_artifact_common_general_info(

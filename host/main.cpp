@@ -1,5 +1,5 @@
 #include "host/cancel_watch.h"
-#include "host/decipher_log.h"
+#include "host/decrypt_log.h"
 #include "host/evidence_source.h"
 #include "host/extraction_session.h"
 #include "host/options.h"
@@ -93,8 +93,8 @@ int act(const command_line &command, char **arguments)
     case command_line::action::refuse:
         terminal::print_error(command.text + u"; opera_extract --help shows the usage");
         return wrong_usage;
-    case command_line::action::decipher_log:
-        return finished(decipher_log(command.text));
+    case command_line::action::decrypt_log:
+        return finished(decrypt_log(command.text));
     case command_line::action::extract:
         break;
     }

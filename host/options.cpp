@@ -40,12 +40,12 @@ void describe_options(QCommandLineParser &parser)
         {u"extended-attribute"_s,
          u"File metadata attribute to read (macOS sources); may be repeated."_s, u"NAME"_s},
         {u"log"_s, u"Append the plug-in's log to this file."_s, u"FILE"_s},
-        {u"log-encrypted"_s, u"Encipher the lines of the log file."_s},
+        {u"log-encrypted"_s, u"Encrypt the lines of the log file."_s},
         {u"verbose"_s, u"Show the plug-in's log on standard error."_s},
         {u"plugin"_s, u"Plug-in library to load."_s, u"FILE"_s},
         {u"json"_s, u"Print the outcome as one JSON object."_s},
         {u"quiet"_s, u"Print nothing but errors (and the JSON object when asked for)."_s},
-        {u"decipher-log"_s, u"Print the lines of an enciphered log file and do nothing else."_s,
+        {u"decipher-log"_s, u"Print the lines of an encrypted log file and do nothing else."_s,
          u"FILE"_s},
     });
 }
@@ -205,7 +205,7 @@ command_line read_command_line(const QStringList &arguments)
         if (parser.optionNames().size() > 1)
             reader.object(u"--decipher-log goes with no other option"_s);
         if (reader.objection().isEmpty())
-            return {command_line::action::decipher_log, {}, log};
+            return {command_line::action::decrypt_log, {}, log};
         return {command_line::action::refuse, {}, reader.objection()};
     }
 

@@ -28,11 +28,11 @@ struct host_options {
 };
 
 struct command_line {
-    enum class action { extract, decipher_log, show_help, show_version, refuse };
+    enum class action { extract, decrypt_log, show_help, show_version, refuse };
 
     action what = action::extract;
     host_options options;
-    QString text; ///< the help, the reason for the refusal, or the log to decipher
+    QString text; ///< the help, the reason for the refusal, or the log to decrypt
 };
 
 /// Reads the arguments, the program's name first. Looks at no file.

@@ -13,7 +13,7 @@ using namespace Qt::StringLiterals;
 namespace
 {
 
-QString json_text(const extraction_outcome &outcome)
+QString json_summary(const extraction_outcome &outcome)
 {
     QJsonObject tables;
     for (const table_rows &counted : outcome.rows)
@@ -75,6 +75,6 @@ QList<table_rows> count_rows(const QString &database, const QStringList &tables)
 QString summary_text(const extraction_outcome &outcome, const host_options &options)
 {
     if (options.json)
-        return json_text(outcome);
+        return json_summary(outcome);
     return options.quiet ? QString() : table_text(outcome);
 }

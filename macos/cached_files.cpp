@@ -1,9 +1,10 @@
 // Cached files: every file of the cache folders but the cache's own bookkeeping.
 
+#include "common/debug_log.h"
 #include "common/evidence/evidence_file.h"
+#include "common/evidence/file_paths.h"
 #include "common/evidence/sorted_walk.h"
 #include "common/extraction/record_reader.h"
-#include "common/plugin_static_function.h"
 #include "common/values/text_values.h"
 #include "macos/opera_macos.h"
 
@@ -84,20 +85,19 @@ bool opera_macos::read_cache_folder(record_sink &sink)
         const QString file_name = path.section(u'/', -1);
         if (is_bookkeeping(file_name))
             return true;
-        using common = plugin_static_function;
         const file_description file = describe_file(path);
         const QMimeType type = media_type(path);
-        const QString inside = common::get_complete_file_path(
-            path_inside_source(path, state_.run), sink.file().system_user, state_.run.source_type);
+        const QString inside = complete_file_path(path_inside_source(path, state_.run),
+                                                  sink.file().system_user, state_.run.source_type);
         return sink.write(
             {file_name,
              inside,
              not_null(type.preferredSuffix()),
-             common::mining_size(path),
+             size_in_bytes(path),
              file.birth_time,
              file.content_creation_date,
              file.content_modification_date,
-             common::get_relative_file_path(inside, state_.run.source_root, state_.run.source_type),
+             relative_file_path(inside, state_.run.source_root, state_.run.source_type),
              type.name(),
              file.fs_content_change_date,
              file.fs_creation_date,
@@ -122,10 +122,9 @@ void opera_macos::extract_cached_files_11()
 {
     read_records(cached_files_11, found_.cached_files, state_.run, [this](record_sink &sink) {
         if (!read_cache_folder(sink))
-            plugin_static_function::app_debug(
-                u"[extract_cached_files_11] folder listing ---------FAILED----------"_s +
-                    sink.file().path,
-                QString::fromUtf8(cached_files_11.signature));
+            debug_log(u"[extract_cached_files_11] folder listing ---------FAILED----------"_s +
+                          sink.file().path,
+                      QString::fromUtf8(cached_files_11.signature));
         return reading_end::next_file;
     });
 }

@@ -1,4 +1,4 @@
-// Cookies, from the "Cookies" file. A value that the browser enciphered stays as it is.
+// Cookies, from the "Cookies" file. A value that the browser encrypted stays as it is.
 
 #include "macos/macos_readers.h"
 #include "macos/opera_macos.h"

@@ -1,8 +1,9 @@
 // Downloads, from the "History" file, and what the source still holds of the downloaded files.
 
 #include "common/evidence/evidence_file.h"
-#include "common/plugin_static_function.h"
+#include "common/evidence/file_paths.h"
 #include "common/values/text_values.h"
+#include "common/values/time_values.h"
 #include "macos/macos_readers.h"
 #include "macos/opera_macos.h"
 
@@ -76,7 +77,7 @@ QVariant download_state(source_row &row, int column)
 
 QVariant http_date(source_row &row, int column)
 {
-    return plugin_static_function::convert_human_readable_to_epoch_3(row.text(column));
+    return http_date_to_unix_seconds(row.text(column));
 }
 
 insertion older_insertion(const value_rule &url, const value_rule &referrer, int first_time)
@@ -257,10 +258,8 @@ file_description opera_macos::describe_once(const QString &path, description_cac
 
 void opera_macos::derive_download(source_row &row, description_cache &known)
 {
-    using common = plugin_static_function;
     const extraction_run &run = row.run();
-    const QString inside =
-        common::get_complete_file_path(row.text(0), row.file().system_user, run.source_type);
+    const QString inside = complete_file_path(row.text(0), row.file().system_user, run.source_type);
     const QString complete = run.source_root.chopped(run.source_root.endsWith(u'/')) + inside;
     // What the browser recorded may name any place; only a file of the source is looked at.
     const bool exists = !inside.trimmed().isEmpty() && is_inside_folder(complete, run.source_root);
@@ -275,10 +274,10 @@ void opera_macos::derive_download(source_row &row, description_cache &known)
         row.derived[place] = not_null(value);
     };
     set(name, get_name_for_downloads(inside));
-    set(file_extension, common::mining_suffix(inside));
+    set(file_extension, file_suffix(inside));
     set(file_existence, yes_or_no(exists));
     set(file_size, exists ? size_in_source(complete, state_.run) : empty_text());
-    set(path_in_source, common::get_relative_file_path(inside, run.source_root, run.source_type));
+    set(path_in_source, relative_file_path(inside, run.source_root, run.source_type));
     set(date_added, file.birth_time);
     set(content_creation_date, file.content_creation_date);
     set(content_modification_date, file.content_modification_date);

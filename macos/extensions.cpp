@@ -2,9 +2,11 @@
 // extensions.
 
 #include "common/artefacts/extension_manifest.h"
+#include "common/debug_log.h"
 #include "common/evidence/evidence_file.h"
 #include "common/extraction/record_reader.h"
-#include "common/plugin_static_function.h"
+#include "common/values/json_values.h"
+#include "common/values/time_values.h"
 #include "macos/opera_macos.h"
 
 #include <QDir>
@@ -65,7 +67,7 @@ QString state_of(const QJsonValue &value)
 
 QString seconds_of(const QJsonValue &browser_time)
 {
-    return plugin_static_function::convert_google_time_to_epoch(json_text(browser_time));
+    return microseconds_since_1601_to_unix_seconds(json_text(browser_time));
 }
 
 /// Where the extension's files lie. A recorded path is relative to the profile's "Extensions"
@@ -100,10 +102,9 @@ void opera_macos::extract_extensions(const QString &source_path)
                                            ? QJsonDocument::fromJson(file.readAll())
                                            : QJsonDocument();
         if (!document.isObject()) {
-            plugin_static_function::app_debug(
-                u"[extract_extensions_and_themes] source file opening ---FAILED--- "_s +
-                    sink.file().path,
-                QString::fromUtf8(extensions_reader.signature));
+            debug_log(u"[extract_extensions_and_themes] source file opening ---FAILED--- "_s +
+                          sink.file().path,
+                      QString::fromUtf8(extensions_reader.signature));
             return reading_end::at_once;
         }
         const QJsonObject settings =

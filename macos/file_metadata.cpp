@@ -1,9 +1,8 @@
 // What macOS keeps about a file beside its content: which attributes are asked for, and how their
 // printed values become texts. The system's own operations stand behind metadata_platform.
 
-#include "common/metadata/metadata_platform.h"
+#include "common/metadata/metadata_item.h"
 #include "common/metadata/printed_items.h"
-#include "common/plugin_static_function.h"
 #include "common/values/text_values.h"
 #include "macos/opera_macos.h"
 
@@ -36,33 +35,24 @@ const QStringList attribute_names = {
     u"kMDItemLastUsedDate"_s,
 };
 
-/// The printed description of an item's attribute; null when it has none.
-QString printed_attribute(metadata_platform::reference item, const QString &name)
-{
-    metadata_platform &platform = metadata_platform::current();
-    const metadata_reference value(platform.copy_attribute(item, name));
-    return value ? not_null(platform.description(value.get())) : QString();
-}
-
 /// The bare value of a printed description; the kind of value shows in its beginning.
 QString bare_value(const QString &name, const QString &description)
 {
-    using filters = plugin_static_function;
     if (description.startsWith("<CFNumber "_L1))
-        return filters::get_filtered_number_value(description);
+        return bare_number(description);
     if (description.startsWith("<CFBoolean "_L1))
-        return filters::get_filtered_boolean_value(description);
+        return bare_boolean(description);
     if (description.startsWith("<CFString "_L1))
-        return filters::get_filtered_cfstring_value(description);
+        return bare_string(description);
     const QString text = description.trimmed();
     if (name == "kMDItemWhereFroms"_L1)
-        return filters::get_filtered_wherefrom_value(text);
-    return filters::get_filtered_string_value(text);
+        return joined_addresses(text);
+    return joined_items(text);
 }
 
-QString attribute_text(metadata_platform::reference item, const QString &name)
+QString attribute_text(const metadata_item &item, const QString &name)
 {
-    QString text = bare_value(name, printed_attribute(item, name));
+    QString text = bare_value(name, item.printed(name));
     return not_null(text.replace(u"\u2019s"_s, u"'s"_s));
 }
 
@@ -75,6 +65,77 @@ QString printable(const QString &text)
     });
     return whole;
 }
+
+struct_GLOBAL_ARTIFACT_cfstring_attributes
+attributes_of(const metadata_item &item, const std::pair<QString, QString> &latitude_and_longitude)
+{
+    struct_GLOBAL_ARTIFACT_cfstring_attributes attributes;
+    std::tie(attributes.latitude, attributes.longitude) = latitude_and_longitude;
+    attributes.date_added = attribute_text(item, u"kMDItemDateAdded"_s);
+    attributes.kind = attribute_text(item, u"kMDItemKind"_s);
+    attributes.content_creation_date = attribute_text(item, u"kMDItemContentCreationDate"_s);
+    attributes.content_modification_date =
+        attribute_text(item, u"kMDItemContentModificationDate"_s);
+    attributes.content_type = attribute_text(item, u"kMDItemContentType"_s);
+    attributes.content_change_date = attribute_text(item, u"kMDItemFSContentChangeDate"_s);
+    attributes.creation_date = attribute_text(item, u"kMDItemFSCreationDate"_s);
+    attributes.file_name = attribute_text(item, u"kMDItemFSName"_s);
+    attributes.node_count = attribute_text(item, u"kMDItemFSNodeCount"_s);
+    attributes.altitude = attribute_text(item, u"kMDItemAltitude"_s);
+    attributes.where_from_items = printed_addresses(item.printed(u"kMDItemWhereFroms"_s));
+    attributes.where_from_items.removeAll(QString());
+    attributes.where_froms = not_null(attributes.where_from_items.join(u';'));
+    return attributes;
+}
+
+QString torrent_names_of(const metadata_item &item)
+{
+    QStringList names =
+        printed_items(item.printed(u"org_bittorrent_torrent_filenames"_s).trimmed());
+    names.removeAll(QString());
+    return not_null(names.join(value_separator));
+}
+
+/// The two extended-attribute columns of a row.
+class attribute_document
+{
+public:
+    attribute_document()
+    {
+        xml_.setAutoFormatting(true);
+        xml_.writeStartDocument();
+        xml_.writeStartElement(u"Extended_Attributes_XML_Header"_s);
+    }
+
+    void add_file(const QString &path_in_source, const metadata_item &item,
+                  const QStringList &names)
+    {
+        if (!item)
+            return;
+        xml_.writeStartElement(u"Extended_Attributes_Artifact_Source_Header"_s);
+        xml_.writeTextElement(u"File_Path"_s, printable(path_in_source));
+        for (const QString &name : names) {
+            const QString description = item.printed(name);
+            if (description.isNull())
+                continue;
+            const QString value = bare_value(name, description);
+            values_.append(value);
+            xml_.writeTextElement(name, printable(value));
+        }
+        xml_.writeEndElement();
+    }
+
+    struct_extended_attributes finished()
+    {
+        xml_.writeEndDocument();
+        return {not_null(values_.join(value_separator)), QString::fromUtf8(document_)};
+    }
+
+private:
+    QByteArray document_;
+    QStringList values_;
+    QXmlStreamWriter xml_{&document_};
+};
 
 } // namespace
 
@@ -94,61 +155,20 @@ struct_extended_attributes
 opera_macos::get_extended_attributes(const QList<QString> &file_paths,
                                      const QList<QList<QString>> &attributes) const
 {
-    QByteArray document;
-    QStringList values;
-    QXmlStreamWriter xml(&document);
-    xml.setAutoFormatting(true);
-    xml.writeStartDocument();
-    xml.writeStartElement(u"Extended_Attributes_XML_Header"_s);
+    attribute_document document;
     for (qsizetype i = 0; i < file_paths.size() && !state_.run.cancelled(); ++i) {
         const QString &path = file_paths.at(i);
-        if (!QFileInfo::exists(path))
-            continue;
-        const metadata_reference item(metadata_platform::current().create_item(path));
-        if (!item)
-            continue;
-        xml.writeStartElement(u"Extended_Attributes_Artifact_Source_Header"_s);
-        xml.writeTextElement(u"File_Path"_s, printable(path_inside_source(path, state_.run)));
-        for (const QString &name : attributes.value(std::min(i, attributes.size() - 1))) {
-            const QString description = printed_attribute(item.get(), name);
-            if (description.isNull())
-                continue;
-            const QString value = bare_value(name, description);
-            values.append(value);
-            xml.writeTextElement(name, printable(value));
-        }
-        xml.writeEndElement();
+        if (QFileInfo::exists(path))
+            document.add_file(path_inside_source(path, state_.run), metadata_item(path),
+                              attributes.value(std::min(i, attributes.size() - 1)));
     }
-    xml.writeEndElement();
-    xml.writeEndDocument();
-    return {not_null(values.join(value_separator)), QString::fromUtf8(document)};
+    return document.finished();
 }
 
 struct_GLOBAL_ARTIFACT_cfstring_attributes
 opera_macos::extract_cfstring_attributes(const QString &file_path) const
 {
-    struct_GLOBAL_ARTIFACT_cfstring_attributes attributes;
-    std::tie(attributes.latitude, attributes.longitude) = extract_longi_lati_attributes(file_path);
-    const metadata_reference item(metadata_platform::current().create_item(file_path));
-    if (!item)
-        return attributes;
-
-    attributes.date_added = attribute_text(item.get(), u"kMDItemDateAdded"_s);
-    attributes.kind = attribute_text(item.get(), u"kMDItemKind"_s);
-    attributes.content_creation_date = attribute_text(item.get(), u"kMDItemContentCreationDate"_s);
-    attributes.content_modification_date =
-        attribute_text(item.get(), u"kMDItemContentModificationDate"_s);
-    attributes.content_type = attribute_text(item.get(), u"kMDItemContentType"_s);
-    attributes.content_change_date = attribute_text(item.get(), u"kMDItemFSContentChangeDate"_s);
-    attributes.creation_date = attribute_text(item.get(), u"kMDItemFSCreationDate"_s);
-    attributes.file_name = attribute_text(item.get(), u"kMDItemFSName"_s);
-    attributes.node_count = attribute_text(item.get(), u"kMDItemFSNodeCount"_s);
-    attributes.altitude = attribute_text(item.get(), u"kMDItemAltitude"_s);
-    attributes.where_from_items =
-        printed_addresses(printed_attribute(item.get(), u"kMDItemWhereFroms"_s));
-    attributes.where_from_items.removeAll(QString());
-    attributes.where_froms = not_null(attributes.where_from_items.join(u';'));
-    return attributes;
+    return attributes_of(metadata_item(file_path), extract_longi_lati_attributes(file_path));
 }
 
 std::pair<QString, QString>
@@ -165,17 +185,18 @@ opera_macos::extract_longi_lati_attributes(const QString &file_path) const
 
 file_description opera_macos::describe_file(const QString &path) const
 {
-    using common = plugin_static_function;
-    const auto seconds = [](const QString &printed_date) {
-        return common::get_filtered_date_value(printed_date);
-    };
-    const struct_GLOBAL_ARTIFACT_cfstring_attributes attributes = extract_cfstring_attributes(path);
-    const struct_GLOBAL_ARTIFACT_used_dates used = common::extract_used_date(path);
+    const auto seconds = printed_date_to_unix_seconds;
+    const metadata_item item(path);
+    const struct_GLOBAL_ARTIFACT_cfstring_attributes attributes =
+        attributes_of(item, extract_longi_lati_attributes(path));
+    const struct_GLOBAL_ARTIFACT_used_dates used = item.used_dates();
     QStringList used_seconds;
     for (const QString &date : used.used_dates.split(u';', Qt::SkipEmptyParts))
         used_seconds.append(seconds(date));
-    const struct_extended_attributes extended =
-        get_extended_attributes({path}, {extended_attributes_});
+    attribute_document document;
+    if (!state_.run.cancelled() && QFileInfo::exists(path))
+        document.add_file(path_inside_source(path, state_.run), item, extended_attributes_);
+    const struct_extended_attributes extended = document.finished();
 
     file_description file;
     const QDateTime birth = QFileInfo(path).birthTime();
@@ -196,19 +217,8 @@ file_description opera_macos::describe_file(const QString &path) const
     file.all_used_dates = not_null(used_seconds.join(value_separator));
     file.first_used_date = used_seconds.isEmpty() ? empty_text() : used_seconds.first();
     file.final_used_date = used_seconds.isEmpty() ? empty_text() : used_seconds.last();
-    file.torrent_names = torrent_names_of(path);
+    file.torrent_names = torrent_names_of(item);
     file.attribute_document = extended.xml_text;
     file.attribute_values = extended.search_text;
     return file;
-}
-
-QString opera_macos::torrent_names_of(const QString &path) const
-{
-    const metadata_reference item(metadata_platform::current().create_item(path));
-    if (!item)
-        return empty_text();
-    QStringList names = printed_items(
-        printed_attribute(item.get(), u"org_bittorrent_torrent_filenames"_s).trimmed());
-    names.removeAll(QString());
-    return not_null(names.join(value_separator));
 }

@@ -1,6 +1,5 @@
 // History and search terms, from the "History" file.
 
-#include "common/plugin_static_function.h"
 #include "common/values/text_values.h"
 #include "common/values/time_values.h"
 #include "macos/macos_readers.h"
@@ -24,13 +23,11 @@ QVariant visit_text(source_row &row, int id_column)
     QString visits = empty_text();
     const found_rows found =
         row.look_up(0, look_up_key(row.stored(id_column)), [&visits](const QSqlQuery &visit) {
-            const QVariant seconds = unix_seconds_of(visit.value(0));
+            const QVariant seconds = microseconds_since_1601_to_unix_seconds(visit.value(0));
             if (const std::optional<qint64> number = whole_number(seconds))
-                visits += u"Visit Timestamp (UTC): " + utc_text(*number) + u';';
+                visits += u"Visit Timestamp (UTC): " + unix_seconds_to_utc_text(*number) + u';';
             else if (const QString text = seconds.toString(); !text.isEmpty())
-                visits += u"Visit Timestamp (UTC): " +
-                          plugin_static_function::convert_timestamp_to_human_readable_in_UTC(text) +
-                          u';';
+                visits += u"Visit Timestamp (UTC): " + unix_seconds_to_utc_text(text) + u';';
             const QString transition = visit.value(1).toString();
             if (!transition.isEmpty())
                 visits += u"Transition: " + transition + u';';

@@ -1,6 +1,5 @@
-// Saved logins, from the "Login Data" file. Passwords stay in the browser's enciphered form.
+// Saved logins, from the "Login Data" file. Passwords stay in the browser's encrypted form.
 
-#include "common/plugin_static_function.h"
 #include "macos/macos_readers.h"
 #include "macos/opera_macos.h"
 

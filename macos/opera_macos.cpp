@@ -1,6 +1,6 @@
 #include "macos/opera_macos.h"
 
-#include "common/plugin_static_function.h"
+#include "common/debug_log.h"
 
 #include <QFileInfo>
 
@@ -9,96 +9,24 @@
 using namespace Qt::StringLiterals;
 
 opera_macos::opera_macos(QWidget *parent)
-    : QWidget(parent), state_{.run = extraction_run([this](qint64 records) {
-                                  Q_EMIT signal_extracted_records_of_plugin_macos(records);
-                              })}
+    : QWidget(parent), extractor_settings([this](qint64 records) {
+          Q_EMIT signal_extracted_records_of_plugin_macos(records);
+      })
 {
 }
 
-void opera_macos::macos_set_plugin_helper_obj(plugin_helper_functions *helper)
+void opera_macos::macos_set_source_info(const source_record &info)
 {
-    state_.run.helper = helper;
-}
-
-void opera_macos::macos_set_record_count(qint64 records)
-{
-    state_.run.set_records(records);
-}
-
-void opera_macos::macos_set_tab_processed_count(int tables)
-{
-    state_.tabs_processed = tables;
-}
-
-void opera_macos::macos_set_desktop_info(
-    const struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_desktop_info & /*info*/)
-{
-}
-
-void opera_macos::macos_set_general_info(
-    const struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_general_info & /*info*/)
-{
-}
-
-void opera_macos::macos_set_source_info(
-    const struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_source_info &info)
-{
-    state_.run.source_root = info.virtual_source_path;
-    state_.run.source_type = info.source_type_internal;
-    state_.run.os_scheme_display = info.os_scheme_display;
+    set_source_info(info);
     for (const auto &account : info.system_account_list)
         state_.account_names.append(account.system_user);
     tidy_account_names(state_.account_names);
-}
-
-void opera_macos::macos_set_essentials()
-{
-    state_.run.set_cancelled(false);
-}
-
-void opera_macos::macos_set_plugin_name(const QString &name)
-{
-    state_.plugin_name = name.trimmed();
-}
-
-void opera_macos::macos_set_destination_location(const QString &result_directory,
-                                                 const QString &temporary_directory,
-                                                 const QString &destination_db_path)
-{
-    state_.run.result_directory = result_directory;
-    state_.run.temporary_directory = temporary_directory;
-    state_.run.destination_path = destination_db_path;
-}
-
-void opera_macos::macos_set_essential_for_mirva_bench_extraction(const QList<QString> &tables)
-{
-    state_.table_list = tables;
-}
-
-void opera_macos::macos_set_engine_type(int engine_type)
-{
-    state_.engine_type = engine_type;
-}
-
-void opera_macos::macos_cancel_extraction()
-{
-    state_.run.set_cancelled(true);
-}
-
-void opera_macos::macos_set_source_count(int source_count)
-{
-    state_.source_count = source_count;
 }
 
 void opera_macos::macos_set_extended_attributes_list(const QList<QString> &names)
 {
     selected_attributes_ = names;
     extended_attributes_ = filter_extended_attribute_list();
-}
-
-void opera_macos::macos_find_artifacts_source()
-{
-    find_source_file();
 }
 
 void opera_macos::macos_extract_artifacts()
@@ -143,7 +71,7 @@ void opera_macos::find_source_file()
     };
 
     const QString signature = u"void opera_macos::find_source_file()"_s;
-    plugin_static_function::app_debug(u"[find_source_file] starts"_s, signature);
+    debug_log(u"[find_source_file] starts"_s, signature);
     const QString users = state_.run.source_root + u"Users/";
     found_ = {};
     for (const QString &account : std::as_const(state_.account_names)) {
@@ -159,7 +87,7 @@ void opera_macos::find_source_file()
                 (found_.*list).append(path);
         }
     }
-    plugin_static_function::app_debug(u"[find_source_file] ends"_s, signature);
+    debug_log(u"[find_source_file] ends"_s, signature);
 }
 
 bool opera_macos::run_current_then_older(int (opera_macos::*current)(),
@@ -213,11 +141,11 @@ void opera_macos::extract_plugin_artifacts()
     // clang-format on
 
     const QString signature = u"void opera_macos::extract_plugin_artifacts()"_s;
-    plugin_static_function::app_debug(u"[extract_plugin_artifacts] starts"_s, signature);
+    debug_log(u"[extract_plugin_artifacts] starts"_s, signature);
     const bool completed =
         run_selected_tables<opera_macos>(*this, state_, steps, [this](int tables) {
             Q_EMIT signal_total_tabs_processed_macos(tables);
         });
     if (completed)
-        plugin_static_function::app_debug(u"[extract_plugin_artifacts] ends"_s, signature);
+        debug_log(u"[extract_plugin_artifacts] ends"_s, signature);
 }

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "common/extraction/extractor_state.h"
-#include "common/host_records.h"
 #include "common/metadata/metadata_records.h"
 
 #include <QCache>
@@ -10,15 +9,11 @@
 #include <QStringList>
 #include <QWidget>
 
-#include <functional>
-
 class QJsonObject;
 class QJsonValue;
 class QSqlDatabase;
 class QSqlQuery;
-class plugin_helper_functions;
 class record_sink;
-class row_insertion;
 class source_row;
 struct database_reader;
 struct record_reader;
@@ -47,33 +42,38 @@ struct struct_session_data {
 /// The extractors ending in _11 read current schemas. Where one returns -1, some file has an older
 /// schema, and the driver runs the older extractor of the same table over all files again, those
 /// that were read included.
-class opera_macos : public QWidget
+class opera_macos : public QWidget, private extractor_settings
 {
     Q_OBJECT
 
 public:
     explicit opera_macos(QWidget *parent = nullptr);
 
-    void macos_set_plugin_helper_obj(plugin_helper_functions *helper);
-    void macos_set_record_count(qint64 records);
-    void macos_set_tab_processed_count(int tables);
-    void macos_set_desktop_info(const struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_desktop_info &info);
-    void macos_set_general_info(const struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_general_info &info);
-    /// Keeps root, type and display text; account names are added to those of earlier calls.
-    void macos_set_source_info(const struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_source_info &info);
-    /// Clears the cancel flag.
-    void macos_set_essentials();
-    void macos_set_plugin_name(const QString &name);
+    // Settings; see extractor_settings.
+    void macos_set_plugin_helper_obj(plugin_helper_functions *helper) { set_helper(helper); }
+    void macos_set_record_count(qint64 records) { set_record_count(records); }
+    void macos_set_tab_processed_count(int tables) { set_tab_processed_count(tables); }
+    void macos_set_desktop_info(const desktop_record & /*info*/) {}
+    void macos_set_general_info(const general_record & /*info*/) {}
+    /// Account names are added to those of earlier calls.
+    void macos_set_source_info(const source_record &info);
+    void macos_set_essentials() { set_essentials(); }
+    void macos_set_plugin_name(const QString &name) { set_plugin_name(name); }
     void macos_set_destination_location(const QString &result_directory,
                                         const QString &temporary_directory,
-                                        const QString &destination_db_path);
-    void macos_set_essential_for_mirva_bench_extraction(const QList<QString> &tables);
-    void macos_set_engine_type(int engine_type);
-    /// May be called from any thread.
-    void macos_cancel_extraction();
-    void macos_set_source_count(int source_count);
+                                        const QString &destination_db_path)
+    {
+        set_destination_location(result_directory, temporary_directory, destination_db_path);
+    }
+    void macos_set_essential_for_mirva_bench_extraction(const QList<QString> &tables)
+    {
+        set_tables(tables);
+    }
+    void macos_set_engine_type(int engine_type) { set_engine_type(engine_type); }
+    void macos_cancel_extraction() { cancel(); }
+    void macos_set_source_count(int source_count) { set_source_count(source_count); }
     void macos_set_extended_attributes_list(const QList<QString> &names);
-    void macos_find_artifacts_source();
+    void macos_find_artifacts_source() { find_source_file(); }
     /// Runs the driver and signals the final record count.
     void macos_extract_artifacts();
 
@@ -232,7 +232,6 @@ private:
 
     /// Everything that is known about an existing file of the source.
     file_description describe_file(const QString &path) const;
-    QString torrent_names_of(const QString &path) const;
     /// What is known about files that several downloads name.
     using description_cache = QCache<QString, file_description>;
     file_description describe_once(const QString &path, description_cache &known) const;
@@ -241,23 +240,6 @@ private:
     int read_downloads(const database_reader &reader);
     bool read_cache_folder(record_sink &sink);
 
-    /// Where the entries of a walk go.
-    struct bookmark_walk {
-        row_insertion &rows;
-        const source_file &file;
-        const QString &signature;
-    };
-    using bookmark_roots = std::function<void(const QJsonObject &roots, record_sink &sink)>;
-    void read_bookmark_roots(const record_reader &reader, const QString &source_path,
-                             const bookmark_roots &walk_roots);
-    void walk_items(const record_reader &reader, const QString &signature,
-                    const QJsonValue &children, const QJsonObject &parent,
-                    const QString &source_path, QSqlQuery &query, const QString &account,
-                    bool cancelled);
-    void walk_bookmarks(const bookmark_walk &walk, const QJsonValue &children,
-                        const QJsonObject &parent, bool cancelled);
-
-    extractor_state state_;
     found_files found_;
     QStringList selected_attributes_; ///< as the host gave them
     QStringList extended_attributes_; ///< to be read

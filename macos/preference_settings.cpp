@@ -3,8 +3,8 @@
 
 #include "macos/preference_settings.h"
 
-#include "common/plugin_static_function.h"
 #include "common/values/text_values.h"
+#include "common/values/time_values.h"
 
 #include <QStringList>
 
@@ -169,8 +169,7 @@ std::optional<QString> themes_text(const QJsonValue &value, number_texts texts)
     for (const QString &theme : list.split(u',', Qt::SkipEmptyParts)) {
         const QString installed = theme.section(u':', 1, 1);
         text += u"Theme Name: " + theme.section(u':', 0, 0) + u';' + u"Installation Time (UTC): " +
-                plugin_static_function::convert_timestamp_to_human_readable_in_UTC(installed) +
-                u";;";
+                unix_seconds_to_utc_text(installed) + u";;";
     }
     return text;
 }

@@ -1,8 +1,8 @@
 // Open and recent tabs, from the session files.
 
+#include "common/debug_log.h"
 #include "common/evidence/evidence_file.h"
 #include "common/extraction/record_reader.h"
-#include "common/plugin_static_function.h"
 #include "common/values/text_values.h"
 #include "macos/opera_macos.h"
 
@@ -76,9 +76,8 @@ void opera_macos::extract_sessions_11()
         evidence_file file(path);
         if (!file.open_whole()) {
             const QString signature = QString::fromUtf8(sessions_11.signature);
-            plugin_static_function::app_debug(
-                u"[extract_sessions_11] file open -----FAILED-----"_s + path, signature);
-            plugin_static_function::app_debug(u"----Error---"_s + file.errorString(), signature);
+            debug_log(u"[extract_sessions_11] file open -----FAILED-----"_s + path, signature);
+            debug_log(u"----Error---"_s + file.errorString(), signature);
             return reading_end::next_file;
         }
         const QList<struct_session_data> records =

@@ -1,8 +1,8 @@
 #include "macos/setting_walk.h"
 
 #include "common/evidence/evidence_file.h"
-#include "common/plugin_static_function.h"
 #include "common/values/text_values.h"
+#include "common/values/time_values.h"
 
 #include <QJsonDocument>
 #include <QStringList>
@@ -36,7 +36,7 @@ bool has_type(const QJsonValue &value, json_type type)
     return false;
 }
 
-QString json_text(const QJsonValue &value)
+QString setting_text(const QJsonValue &value)
 {
     if (value.isDouble())
         return whole_decimal(value);
@@ -115,20 +115,18 @@ std::optional<QString> text_of_flag(const QJsonValue &value, number_texts texts)
 
 std::optional<QString> plain_text(const QJsonValue &value, number_texts /*texts*/)
 {
-    return json_text(value);
+    return setting_text(value);
 }
 
 std::optional<QString> text_unless_empty(const QJsonValue &value, number_texts /*texts*/)
 {
-    const QString text = json_text(value);
+    const QString text = setting_text(value);
     return text.isEmpty() ? std::nullopt : std::optional(text);
 }
 
 std::optional<QString> moment_text(const QJsonValue &value, number_texts /*texts*/)
 {
-    using common = plugin_static_function;
-    return common::convert_timestamp_to_human_readable_in_UTC(
-        common::convert_google_time_to_epoch(json_text(value)));
+    return unix_seconds_to_utc_text(microseconds_since_1601_to_unix_seconds(setting_text(value)));
 }
 
 std::optional<QString> joined_strings(const QJsonValue &value, number_texts /*texts*/)

@@ -1,5 +1,5 @@
 // Form entries and payment cards, from the "Web Data" file. Times are copied as the
-// browser stored them; a card number stays in the browser's enciphered form.
+// browser stored them; a card number stays in the browser's encrypted form.
 
 #include "macos/macos_readers.h"
 #include "macos/opera_macos.h"

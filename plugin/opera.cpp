@@ -1,5 +1,7 @@
 #include "plugin/opera.h"
 
+#include "common/debug_log.h"
+#include "common/evidence/file_paths.h"
 #include "common/plugin_helper_functions.h"
 #include "common/plugin_static_function.h"
 #include "macos/opera_macos.h"
@@ -156,7 +158,7 @@ opera::extractor_kind opera::matching_extractor(const QString &signature)
         return extractor_kind::ios_uid;
     if (os_scheme_internal_ == "winOS"_L1)
         return extractor_kind::winos;
-    plugin_static_function::app_debug(
+    debug_log(
         u"------FAILED------- supported os scheme internal not matched, received os scheme internal =  "_s +
             os_scheme_internal_ + u", plugin name is " + pub_get_artifact_name(),
         signature);
@@ -189,7 +191,7 @@ void opera::pub_set_extended_attributes_list(QList<QString> names)
 void opera::pub_extract_artifacts()
 {
     const QString signature = u"virtual void opera::pub_extract_artifacts()"_s;
-    plugin_static_function::app_debug(u"[pub_extract_artifacts] - START"_s, signature);
+    debug_log(u"[pub_extract_artifacts] - START"_s, signature);
     Q_EMIT signal_extracted_records_of_plugin_overall(0);
 
     macos_extractor_->macos_set_plugin_helper_obj(helper_);
@@ -220,14 +222,14 @@ void opera::pub_extract_artifacts()
     }
 
     Q_EMIT signal_extracted_records_of_plugin_overall(extracted_records_);
-    plugin_static_function::app_debug(u"[pub_extract_artifacts] - END"_s, signature);
+    debug_log(u"[pub_extract_artifacts] - END"_s, signature);
 }
 
 void opera::pub_generate_chat_html_pages() {}
 
 void opera::pub_remove_temporary_asthetics()
 {
-    plugin_static_function::remove_directory(temporary_directory_);
+    remove_folder(temporary_directory_);
     plugin_static_function::close_debug_file();
 }
 

@@ -1,5 +1,6 @@
 // Where the results of a run lie, and the result tables.
 
+#include "common/debug_log.h"
 #include "common/extraction/named_connection.h"
 #include "common/plugin_helper_functions.h"
 #include "common/plugin_static_function.h"
@@ -17,7 +18,7 @@ using namespace Qt::StringLiterals;
 void opera::set_destination_location(const QString &result_directory)
 {
     const QString signature = u"void opera::set_destination_location(QString)"_s;
-    plugin_static_function::app_debug(u"[set_destination_location] starts"_s, signature);
+    debug_log(u"[set_destination_location] starts"_s, signature);
 
     QString root = result_directory;
     if (!root.endsWith(u'/'))
@@ -38,34 +39,33 @@ void opera::set_destination_location(const QString &result_directory)
         plugin_result_directory_, temporary_directory_, destination_db_path_);
     winos_extractor_->winos_set_destination_location(plugin_result_directory_, temporary_directory_,
                                                      destination_db_path_);
-    plugin_static_function::app_debug(u"[set_destination_location] ends"_s, signature);
+    debug_log(u"[set_destination_location] ends"_s, signature);
 }
 
 void opera::create_destination_database()
 {
     const QString signature = u"void opera::create_destination_database()"_s;
-    plugin_static_function::app_debug(u"[create_destination_database] starts"_s, signature);
+    debug_log(u"[create_destination_database] starts"_s, signature);
     create_db_tables();
-    plugin_static_function::app_debug(u"[create_destination_database] ends"_s, signature);
+    debug_log(u"[create_destination_database] ends"_s, signature);
 }
 
 void opera::create_db_tables()
 {
     const QString signature = u"void opera::create_db_tables()"_s;
-    plugin_static_function::app_debug(u"[create_db_tables_11] starts"_s, signature);
+    debug_log(u"[create_db_tables_11] starts"_s, signature);
 
     named_connection destination(signature, destination_db_path_);
     if (!destination.is_open()) {
-        plugin_static_function::app_debug(
-            u"[create_db_tables_11]Destination Db opening -----FAILED------ "_s, signature);
-        plugin_static_function::app_debug(destination.error_text(), signature);
+        debug_log(u"[create_db_tables_11]Destination Db opening -----FAILED------ "_s, signature);
+        debug_log(destination.error_text(), signature);
         return;
     }
     for (const result_table &table : result_tables()) {
         if (!plugin_static_function::execute_db_command_by_dbreference(
                 create_statement(table), destination.database(), signature))
-            plugin_static_function::app_debug(
-                u" table creation -----FAILED---- "_s + QLatin1StringView(table.name), signature);
+            debug_log(u" table creation -----FAILED---- "_s + QLatin1StringView(table.name),
+                      signature);
     }
 }
 
@@ -73,8 +73,7 @@ void opera::clear_db_tables()
 {
     const QString signature = u"void opera::clear_db_tables()"_s;
     if (!QFileInfo::exists(destination_db_path_)) {
-        plugin_static_function::app_debug(u"[clear_db_tables]DB not exists and so returning..."_s,
-                                          signature);
+        debug_log(u"[clear_db_tables]DB not exists and so returning..."_s, signature);
         return;
     }
     if (static_cast<unsigned>(engine_type_) > 2U)

@@ -43,7 +43,7 @@ std::vector<cookie> special_cookies()
         {created + 2, "mail.example.org", "sid", "0", "/", 0, 0, 1, 0, 0, 1},
         {0, "forum.birdwatch.example", "born-never", "x", "/", 0, accessed, 1, 0, 0, std::nullopt},
         {created + 4, "ads.tealkettle.test", "id", "", "/", expires, accessed, 2, 1, 1, 0},
-        // The value is enciphered and stands in a column of its own.
+        // The value is encrypted and stands in a column of its own.
         {created + 5, ".northferry.example", "login", "", "/booking", expires, accessed, 1, 1, 1, 1,
          QByteArray("v10\x8f\0\x11 %1 \xff\xfe", 12)},
         {created + 6, "photos.silverbeach.test", "銀", "%E9%8A%80 %s 'quoted' \"twice\"", "/a b",

@@ -15,28 +15,28 @@ struct login {
     std::string user_field;
     std::string user;
     std::string realm;
-    QByteArray password; ///< enciphered by the browser
+    QByteArray password; ///< encrypted by the browser
     qint64 created;      ///< browser time
     int ssl_valid;
     int preferred;
     int never_save;
 };
 
-const QByteArray enciphered("v10\x02\x9c\0\x7f\x41\xe2\x10\xfe", 11);
+const QByteArray encrypted("v10\x02\x9c\0\x7f\x41\xe2\x10\xfe", 11);
 
 const login special_logins[] = {
     {"https://mail.example.org/%7Emara/login", "https://mail.example.org/%7Emara/check", "user",
-     "mara%7Elindqvist", "https://mail.example.org/", enciphered, browser_time(days_ago(200), 77),
-     1, 1, 0},
+     "mara%7Elindqvist", "https://mail.example.org/", encrypted, browser_time(days_ago(200), 77), 1,
+     1, 0},
     {"https://shop.tealkettle.test/sign%20in", "", "e-mail", "jürgen@weiss.example",
-     "https://shop.tealkettle.test/", enciphered, browser_time(days_ago(150)), 0, 1, 0},
+     "https://shop.tealkettle.test/", encrypted, browser_time(days_ago(150)), 0, 1, 0},
     // Never save passwords of this site.
     {"https://bank.copperpan.test/", "https://bank.copperpan.test/", "", "",
      "https://bank.copperpan.test/", QByteArray(), browser_time(days_ago(140)), 1, 0, 1},
     {"http://router.example/", "http://router.example/100%", "name", "admin %1", "router",
      QByteArray("plain text"), 0, 0, 2, 0},
     // A form of the older kind: seconds since 1970.
-    {"ftp://files.example.org/", "", "", "anonymous", "ftp://files.example.org/", enciphered,
+    {"ftp://files.example.org/", "", "", "anonymous", "ftp://files.example.org/", encrypted,
      days_ago(900), 0, 0, 0},
 };
 
@@ -117,7 +117,7 @@ login ordinary_login(number_source &numbers, qint64 number)
         .user_field = "user",
         .user = make_word(numbers) + std::to_string(number) + "@example.org",
         .realm = site,
-        .password = enciphered,
+        .password = encrypted,
         .created = browser_time(created, numbers.below(1000000)),
         .ssl_valid = 1,
         .preferred = numbers.below(5) != 0 ? 1 : 0,

@@ -86,7 +86,7 @@ struct card {
     const char *name;
     int month;
     int year;
-    QByteArray number; ///< enciphered by the browser
+    QByteArray number; ///< encrypted by the browser
 };
 
 const card special_cards[] = {

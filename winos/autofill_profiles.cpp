@@ -1,8 +1,8 @@
 // Address profiles, from the "Web Data" file: the profile's own row, and names, e-mail addresses
 // and phone numbers from tables of their own.
 
+#include "common/debug_log.h"
 #include "common/extraction/keyed_rows.h"
-#include "common/plugin_static_function.h"
 #include "common/values/text_values.h"
 #include "winos/opera_winos.h"
 #include "winos/winos_readers.h"
@@ -121,9 +121,8 @@ void opera_winos::for_each_profile_row(const profile_look_up &look_up, const QSt
                                        const QString &web_data_path,
                                        const std::function<void(const QSqlQuery &)> &each)
 {
-    using common = plugin_static_function;
     const QString signature = QString::fromUtf8(look_up.signature);
-    common::app_debug(QString::fromUtf8(look_up.starts), signature);
+    debug_log(QString::fromUtf8(look_up.starts), signature);
     std::shared_ptr<profile_source> &kept = profile_sources_[signature];
     if (!kept || !kept->rows.is_open() || kept->path != web_data_path) {
         kept.reset(); // before another connection takes its name
@@ -133,7 +132,7 @@ void opera_winos::for_each_profile_row(const profile_look_up &look_up, const QSt
         kept->rows.find(guid, each);
     else
         kept->failures.log(open_failure(look_up.open_failed), kept->rows.error_text(), {});
-    common::app_debug(QString::fromUtf8(look_up.ends), signature);
+    debug_log(QString::fromUtf8(look_up.ends), signature);
 }
 
 QString opera_winos::joined_profile_rows(const profile_look_up &look_up, const QString &guid,

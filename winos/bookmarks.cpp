@@ -2,7 +2,6 @@
 
 #include "common/evidence/evidence_file.h"
 #include "common/extraction/record_reader.h"
-#include "common/plugin_static_function.h"
 #include "common/values/text_values.h"
 #include "winos/opera_winos.h"
 

@@ -1,8 +1,9 @@
 // Downloads, from the "History" file, and what the source still holds of the downloaded files.
 
 #include "common/evidence/evidence_file.h"
-#include "common/plugin_static_function.h"
+#include "common/evidence/file_paths.h"
 #include "common/values/text_values.h"
+#include "common/values/time_values.h"
 #include "winos/opera_winos.h"
 #include "winos/winos_readers.h"
 
@@ -20,7 +21,7 @@ enum download_value { full_path, name, file_extension, file_existence, file_size
 /// Whole Unix seconds; 0 for a time that the browser has not stored.
 QVariant whole_seconds(source_row &row, int column)
 {
-    const QString seconds = plugin_static_function::convert_google_time_to_epoch(row.text(column));
+    const QString seconds = microseconds_since_1601_to_unix_seconds(row.text(column));
     return QString::number(seconds.section(u'.', 0, 0).trimmed().toULongLong());
 }
 
@@ -126,7 +127,6 @@ QString opera_winos::extract_name_for_downloads(const QString &path)
 
 void opera_winos::derive_download(source_row &row)
 {
-    using common = plugin_static_function;
     const QString path = source_side_path(row.text(0), state_.run.source_root);
     // What the browser recorded may name any place; only a file of the source is looked at.
     const bool exists = is_inside_folder(path, state_.run.source_root);
@@ -135,7 +135,7 @@ void opera_winos::derive_download(source_row &row)
     row.derived.resize(path_in_source + 1);
     row.derived[full_path] = path;
     row.derived[name] = file;
-    row.derived[file_extension] = common::mining_suffix(file);
+    row.derived[file_extension] = file_suffix(file);
     row.derived[file_existence] = yes_or_no(exists);
     row.derived[file_size] = exists ? size_in_source(path, state_.run) : empty_text();
     row.derived[path_in_source] = path_inside_source(path, state_.run);

@@ -5,8 +5,7 @@
 #include "common/evidence/evidence_file.h"
 #include "common/evidence/sorted_walk.h"
 #include "common/extraction/record_reader.h"
-#include "common/plugin_static_function.h"
-#include "common/values/relaxed_json.h"
+#include "common/values/json_values.h"
 #include "common/values/text_values.h"
 #include "winos/opera_winos.h"
 

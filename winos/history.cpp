@@ -1,6 +1,7 @@
 // History and search terms, from the "History" file.
 
-#include "common/plugin_static_function.h"
+#include "common/debug_log.h"
+#include "common/evidence/file_paths.h"
 #include "common/values/text_values.h"
 #include "common/values/time_values.h"
 #include "winos/opera_winos.h"
@@ -34,17 +35,16 @@ QString whole_part(const QString &text)
 QVariant visit_time(source_row &row, int column)
 {
     if (const std::optional<qint64> number = whole_number(row.stored(column)); number >= 0)
-        return unix_seconds_of(row.stored(column));
+        return microseconds_since_1601_to_unix_seconds(row.stored(column));
     const quint64 microseconds = whole_part(row.text(column)).toULongLong();
-    return plugin_static_function::convert_google_time_to_epoch(QString::number(microseconds));
+    return microseconds_since_1601_to_unix_seconds(QString::number(microseconds));
 }
 
 /// Durations of 2^31 microseconds (36 minutes) and more count as zero: hosts rely on the limit.
 QVariant visit_duration(source_row &row, int column)
 {
     const int microseconds = whole_part(row.text(column)).toInt();
-    return plugin_static_function::get_human_readable_time(
-        QString::number(microseconds / 1'000'000));
+    return seconds_to_duration_text(QString::number(microseconds / 1'000'000));
 }
 
 QString yes_no_or_stored(const QString &flag)
@@ -133,8 +133,8 @@ const database_reader winos_readers::search_items = {
 
 QString opera_winos::file_url_to_unix_name(const QString &file_url) const
 {
-    plugin_static_function::app_debug(u"[file_url_to_unix_name] -Starts"_s,
-                                      u"QString opera_winos::file_url_to_unix_name(QString)"_s);
+    debug_log(u"[file_url_to_unix_name] -Starts"_s,
+              u"QString opera_winos::file_url_to_unix_name(QString)"_s);
     if (!file_url.contains("C:/"_L1))
         return empty_text();
     // The first ":/" ends the scheme, the second one the drive.
@@ -151,9 +151,8 @@ QString opera_winos::local_path_of(const QString &address) const
         return empty_text();
     // Without the root, so that the value names a place in the evidence and not in the folder where
     // it happened to be mounted.
-    return plugin_static_function::get_relative_file_path(
-        path_inside_source(file_url_to_unix_name(address), state_.run), state_.run.source_root,
-        state_.run.source_type);
+    return relative_file_path(path_inside_source(file_url_to_unix_name(address), state_.run),
+                              state_.run.source_root, state_.run.source_type);
 }
 
 /// A visit whose URL is missing or cannot be read keeps its time and duration.
@@ -166,8 +165,8 @@ bool opera_winos::derive_visit(source_row &row) const
     });
     const QString address = decode_percent(row.derived.at(url).toString());
     row.derived[url] = address;
-    row.derived[last_visit_time] = plugin_static_function::convert_google_time_to_epoch(
-        row.derived.at(last_visit_time).toString());
+    row.derived[last_visit_time] =
+        microseconds_since_1601_to_unix_seconds(row.derived.at(last_visit_time).toString());
     row.derived[hidden] = yes_no_or_stored(row.derived.at(hidden).toString());
     row.derived[local_path] = local_path_of(address);
     return found != found_rows::none && !row.interrupted();

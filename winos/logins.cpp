@@ -1,4 +1,4 @@
-// Saved logins, from the "Login Data" file. Passwords stay in the browser's enciphered form.
+// Saved logins, from the "Login Data" file. Passwords stay in the browser's encrypted form.
 
 #include "winos/opera_winos.h"
 #include "winos/winos_readers.h"

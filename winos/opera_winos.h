@@ -1,7 +1,6 @@
 #pragma once
 
 #include "common/extraction/extractor_state.h"
-#include "common/host_records.h"
 
 #include <QList>
 #include <QString>
@@ -13,7 +12,6 @@
 #include <memory>
 
 class QSqlQuery;
-class plugin_helper_functions;
 class record_sink;
 class source_row;
 struct profile_look_up;
@@ -23,7 +21,7 @@ struct record_reader;
 /// artefact kind into its result table. The controller calls the members prefixed winos_ in its own
 /// calling order; see opera.h. Every extractor logs its start, its failures and its end, counts
 /// each row it writes and stops at the next row when cancelled; rows written so far stay.
-class opera_winos : public QWidget
+class opera_winos : public QWidget, private extractor_settings
 {
     Q_OBJECT
 
@@ -45,25 +43,30 @@ public:
 
     explicit opera_winos(QWidget *parent = nullptr);
 
-    void winos_set_plugin_helper_obj(plugin_helper_functions *helper);
-    void winos_set_record_count(qint64 records);
-    void winos_set_tab_processed_count(int tables);
-    void winos_set_desktop_info(const struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_desktop_info &info);
-    void winos_set_general_info(const struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_general_info &info);
-    /// Keeps root, type and display text; both names of every account are searched.
-    void winos_set_source_info(const struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_source_info &info);
-    /// Clears the cancel flag.
-    void winos_set_essentials();
-    void winos_set_plugin_name(const QString &name);
+    // Settings; see extractor_settings.
+    void winos_set_plugin_helper_obj(plugin_helper_functions *helper) { set_helper(helper); }
+    void winos_set_record_count(qint64 records) { set_record_count(records); }
+    void winos_set_tab_processed_count(int tables) { set_tab_processed_count(tables); }
+    void winos_set_desktop_info(const desktop_record &info) { desktop_info_ = info; }
+    void winos_set_general_info(const general_record &info) { general_info_ = info; }
+    /// Both names of every account are searched.
+    void winos_set_source_info(const source_record &info);
+    void winos_set_essentials() { set_essentials(); }
+    void winos_set_plugin_name(const QString &name) { set_plugin_name(name); }
     void winos_set_destination_location(const QString &result_directory,
                                         const QString &temporary_directory,
-                                        const QString &destination_db_path);
-    void winos_set_essential_for_mirva_bench_extraction(const QList<QString> &tables);
-    void winos_set_engine_type(int engine_type);
-    /// May be called from any thread.
-    void winos_cancel_extraction();
-    void winos_set_source_count(int source_count);
-    void winos_find_artifacts_source();
+                                        const QString &destination_db_path)
+    {
+        set_destination_location(result_directory, temporary_directory, destination_db_path);
+    }
+    void winos_set_essential_for_mirva_bench_extraction(const QList<QString> &tables)
+    {
+        set_tables(tables);
+    }
+    void winos_set_engine_type(int engine_type) { set_engine_type(engine_type); }
+    void winos_cancel_extraction() { cancel(); }
+    void winos_set_source_count(int source_count) { set_source_count(source_count); }
+    void winos_find_artifacts_source() { find_source_file(); }
     /// Runs the driver and signals the final record count.
     void winos_extract_artifacts();
 
@@ -90,14 +93,14 @@ public:
 
     /// Table cookies.
     void extract_cookies();
-    /// Table logins; passwords stay enciphered.
+    /// Table logins; passwords stay encrypted.
     void extract_login_data();
 
     /// Table autofill.
     void extract_webdata_autofill();
     /// Table autofill_profiles.
     void extract_webdata_autofill_profiles();
-    /// Table credits_cards; card numbers stay enciphered.
+    /// Table credits_cards; card numbers stay encrypted.
     void extract_webdata_credit_cards();
     /// Look-ups of one profile in a private copy of a "Web Data" file. A failure is logged and
     /// gives empty texts. Each keeps its connection to the copy until it is given another one, or
@@ -171,11 +174,10 @@ private:
     QString joined_profile_rows(const profile_look_up &look_up, const QString &guid,
                                 const QString &web_data_path);
 
-    extractor_state state_;
     found_files found_;
     /// Opening reads the whole schema: a connection serves all rows of a file.
     struct profile_source;
     std::map<QString, std::shared_ptr<profile_source>> profile_sources_; ///< by signature
-    struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_desktop_info desktop_info_;
-    struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_general_info general_info_;
+    desktop_record desktop_info_;
+    general_record general_info_;
 };

@@ -1,8 +1,8 @@
 // Open and recent tabs, from the session files.
 
+#include "common/debug_log.h"
 #include "common/evidence/evidence_file.h"
 #include "common/extraction/record_reader.h"
-#include "common/plugin_static_function.h"
 #include "common/values/text_values.h"
 #include "winos/opera_winos.h"
 
@@ -44,7 +44,7 @@ const record_reader last_session = {
 QStringList opera_winos::extract_session_data(const QString &path)
 {
     const QString signature = u"QStringList opera_winos::extract_session_data(QString)"_s;
-    plugin_static_function::app_debug(u"[extract_session_data] - Starts"_s, signature);
+    debug_log(u"[extract_session_data] - Starts"_s, signature);
     evidence_file file(path);
     if (!file.open_whole()) {
         log_failure(open_failure("[extract_session_data]File Open ---FAILED---"), signature,
@@ -62,7 +62,7 @@ QStringList opera_winos::extract_session_data(const QString &path)
         urls.append(not_null(decode_percent(content.mid(at, end - at)).trimmed()));
         at = marker.indexIn(content, end);
     }
-    plugin_static_function::app_debug(u"[extract_session_data] - Ends"_s, signature);
+    debug_log(u"[extract_session_data] - Ends"_s, signature);
     return urls;
 }
 

@@ -1,5 +1,5 @@
 // Form entries and payment cards, from the "Web Data" file. A card number stays in the browser's
-// enciphered form.
+// encrypted form.
 
 #include "winos/opera_winos.h"
 #include "winos/winos_readers.h"

@@ -38,7 +38,7 @@ struct text_part trim(const char *bytes, size_t size)
     return (struct text_part){bytes, size};
 }
 
-bool unix_seconds(int64_t browser_time, int64_t *seconds)
+bool seconds_of_browser_time(int64_t browser_time, int64_t *seconds)
 {
     const int64_t seconds_from_1601_to_1970 = 11644473600;
     if (browser_time == 0)

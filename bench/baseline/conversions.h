@@ -24,7 +24,7 @@ struct text_part trim(const char *bytes, size_t size);
 
 /// Microseconds since 1601-01-01 UTC to Unix seconds; ten digits are Unix seconds already. False
 /// for 0, which means no time.
-bool unix_seconds(int64_t browser_time, int64_t *seconds);
+bool seconds_of_browser_time(int64_t browser_time, int64_t *seconds);
 
 enum { utc_text_size = 21 };
 /// "dd-MMM-yyyy hh:mm:ss"; empty for 0 and for what 32 bits do not hold. Returns the length.

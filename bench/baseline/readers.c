@@ -99,10 +99,10 @@ static void bind_trimmed(sqlite3_stmt *insert, int place, sqlite3_stmt *row, int
     bind_part(insert, place, part.begin, part.size);
 }
 
-static void bind_unix_seconds(sqlite3_stmt *insert, int place, int64_t browser_time)
+static void bind_seconds(sqlite3_stmt *insert, int place, int64_t browser_time)
 {
     int64_t seconds;
-    if (unix_seconds(browser_time, &seconds))
+    if (seconds_of_browser_time(browser_time, &seconds))
         sqlite3_bind_int64(insert, place, seconds);
     else
         bind_text(insert, place, "");
@@ -120,7 +120,7 @@ static void append_visit(struct text_buffer *text, sqlite3_stmt *visit)
     static const char timestamp[] = "Visit Timestamp (UTC): ";
     static const char transition[] = "Transition: ";
     int64_t seconds;
-    if (unix_seconds(sqlite3_column_int64(visit, 0), &seconds)) {
+    if (seconds_of_browser_time(sqlite3_column_int64(visit, 0), &seconds)) {
         char utc[utc_text_size];
         const size_t size = utc_text(seconds, utc);
         append_text(text, timestamp, sizeof timestamp - 1);
@@ -163,7 +163,7 @@ static void read_macos_history(const struct reading *reading)
         bind_trimmed(insert, 5, page, 2);
         bind_trimmed(insert, 6, page, 3);
         bind_yes_no(insert, 7, page, 5);
-        bind_unix_seconds(insert, 8, sqlite3_column_int64(page, 4));
+        bind_seconds(insert, 8, sqlite3_column_int64(page, 4));
         visits.size = 0;
         sqlite3_bind_value(visit, 1, sqlite3_column_value(page, 0));
         while (next_row(visit))
@@ -213,7 +213,7 @@ static void bind_page(sqlite3_stmt *insert, sqlite3_stmt *page, struct text_buff
     bind_copy(insert, 5, page, 1);
     bind_copy(insert, 6, page, 2);
     bind_copy(insert, 7, page, 3);
-    bind_unix_seconds(insert, 8, sqlite3_column_int64(page, 4));
+    bind_seconds(insert, 8, sqlite3_column_int64(page, 4));
     bind_local_path(insert, &url, path);
     const int64_t hidden = sqlite3_column_int64(page, 5);
     if (hidden == 0 || hidden == 1)
@@ -253,7 +253,7 @@ static void read_windows_history(const struct reading *reading)
                     bind_text(insert, place, "");
         }
         const int64_t time = sqlite3_column_int64(visit, 2);
-        bind_unix_seconds(insert, 13, time < 0 ? 0 : time);
+        bind_seconds(insert, 13, time < 0 ? 0 : time);
         char duration[utc_text_size];
         bind_part(insert, 14, duration, duration_text(sqlite3_column_int64(visit, 1), duration));
         insert_row(insert);
@@ -272,7 +272,7 @@ static void read_windows_history(const struct reading *reading)
 static void bind_seconds_or_zero(sqlite3_stmt *insert, int place, int64_t browser_time)
 {
     int64_t seconds = 0;
-    unix_seconds(browser_time, &seconds);
+    seconds_of_browser_time(browser_time, &seconds);
     sqlite3_bind_int64(insert, place, seconds);
 }
 
@@ -297,7 +297,7 @@ static void read_cookies(const struct reading *reading)
         bind_seconds_or_zero(insert, 3, sqlite3_column_int64(cookie, 0));
         for (int column = 1; column <= 4; ++column)
             bind_copy(insert, 3 + column, cookie, column);
-        bind_unix_seconds(insert, 8, sqlite3_column_int64(cookie, 5));
+        bind_seconds(insert, 8, sqlite3_column_int64(cookie, 5));
         bind_yes_no(insert, 9, cookie, 6);
         bind_seconds_or_zero(insert, 10, sqlite3_column_int64(cookie, 7));
         bind_yes_no(insert, 11, cookie, 8);

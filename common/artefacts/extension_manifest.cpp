@@ -1,27 +1,16 @@
 #include "common/artefacts/extension_manifest.h"
 
+#include "common/debug_log.h"
 #include "common/evidence/evidence_file.h"
 #include "common/extraction/failure_log.h"
-#include "common/plugin_static_function.h"
-#include "common/values/text_values.h"
+#include "common/run_state.h"
+#include "common/values/json_values.h"
 
 #include <QFileInfo>
 
 using namespace Qt::StringLiterals;
 
 static constexpr qint64 largest_picture = 16 << 20; // bytes
-
-QString json_text(const QJsonValue &value)
-{
-    if (value.isDouble())
-        return value.toVariant().toString();
-    return not_null(value.toString());
-}
-
-QString json_flag(const QJsonValue &value)
-{
-    return yes_or_no(value.toBool());
-}
 
 QString manifest_picture(const QJsonObject &manifest)
 {
@@ -67,7 +56,7 @@ exported_picture export_extension_picture(const QString &folder, const QString &
         return exported;
     }
     const QString name =
-        safe_picture_name({plugin_static_function::get_source_count_name(), file.system_user, id,
+        safe_picture_name({numbered_source_name(), file.system_user, id,
                            json_text(manifest.value("version"_L1)), resolved.completeBaseName()},
                           resolved.suffix().isEmpty() ? QString() : u'.' + resolved.suffix());
     if (!name.isEmpty() && resolved.size() <= largest_picture &&
@@ -75,9 +64,8 @@ exported_picture export_extension_picture(const QString &folder, const QString &
         exported.copy_path = u"./Images/"_s + name;
         earlier_copies.insert(resolved.filePath(), exported.copy_path);
     } else
-        plugin_static_function::app_debug(operation_tag(signature) +
-                                              u" picture is not copied ---------FAILED----------" +
-                                              resolved.filePath(),
-                                          signature);
+        debug_log(operation_tag(signature) + u" picture is not copied ---------FAILED----------" +
+                      resolved.filePath(),
+                  signature);
     return exported;
 }

@@ -5,16 +5,9 @@
 
 #include <QHash>
 #include <QJsonObject>
-#include <QJsonValue>
 #include <QString>
 
 // What the extension readers of all systems take from an extension's manifest.
-
-/// Strings as they are, numbers in decimal, anything else empty.
-QString json_text(const QJsonValue &value);
-
-/// YES or NO of a boolean; NO when the record does not say, as the browser takes it.
-QString json_flag(const QJsonValue &value);
 
 /// The picture that stands for the extension, relative to its folder: the largest of its icons, or
 /// a theme's background. Empty when there is none.

@@ -1,6 +1,6 @@
 #include "common/evidence/source_file.h"
 
-#include "common/plugin_static_function.h"
+#include "common/evidence/file_paths.h"
 #include "common/values/text_values.h"
 
 #include <tuple>
@@ -18,10 +18,8 @@ QString path_inside_source(const QString &path, const evidence_source &source)
 source_file::source_file(const QString &found_path, const evidence_source &source)
     : path(found_path)
 {
-    using common = plugin_static_function;
-    std::tie(system_user, domain_user) =
-        common::extract_user_name_from_sourcefile(path, source.source_root);
+    std::tie(system_user, domain_user) = account_of_path(path, source.source_root);
     domain_user = not_null(domain_user); // hosts name no domain for local accounts
-    std::tie(stored_path, relation_path) = common::get_final_artifact_source_file(
+    std::tie(stored_path, relation_path) = source_file_columns(
         path_inside_source(path, source), source.source_root, source.source_type);
 }

@@ -1,8 +1,8 @@
 #include "common/extraction/database_reader.h"
 
+#include "common/debug_log.h"
 #include "common/extraction/guarded_connection.h"
 #include "common/plugin_helper_functions.h"
-#include "common/plugin_static_function.h"
 
 #include <QRegularExpression>
 #include <QScopedValueRollback>
@@ -33,10 +33,9 @@ struct file_reading {
     /// A line that no descriptor foresees.
     void tell(const QString &text, const QString &error = {}) const
     {
-        plugin_static_function::app_debug(operation_tag(signature()) + text + file.path,
-                                          signature());
+        debug_log(operation_tag(signature()) + text + file.path, signature());
         if (!error.isEmpty())
-            plugin_static_function::app_debug(error, signature());
+            debug_log(error, signature());
     }
 };
 
@@ -111,7 +110,7 @@ file_result write_rows(const file_reading &reading, guarded_query &rows, row_ins
     if (!error.isEmpty()) {
         // A damaged page ends the rows just as the last row does; the log must tell them apart.
         reading.tell(u" rows of the source end early ---------FAILED----------"_s, error);
-        plugin_static_function::app_debug(rows.query().lastQuery(), reading.signature());
+        debug_log(rows.query().lastQuery(), reading.signature());
     }
     return file_result::done;
 }
@@ -230,7 +229,7 @@ int read_databases(const database_reader &reader, const QStringList &files, extr
                    const row_preparation &prepare_row)
 {
     const QString signature = QString::fromUtf8(reader.signature);
-    plugin_static_function::app_debug(QString::fromUtf8(reader.starts), signature);
+    debug_log(QString::fromUtf8(reader.starts), signature);
     if (run.idle_extractors_end_early && (run.cancelled() || files.isEmpty()))
         return 0;
 
@@ -254,6 +253,6 @@ int read_databases(const database_reader &reader, const QStringList &files, extr
             }
         }
     }
-    plugin_static_function::app_debug(QString::fromUtf8(reader.ends), signature);
+    debug_log(QString::fromUtf8(reader.ends), signature);
     return result;
 }

@@ -2,9 +2,10 @@
 
 #include "common/extraction/extractor_state.h"
 
+#include "common/debug_log.h"
 #include "common/evidence/evidence_file.h"
+#include "common/evidence/file_paths.h"
 #include "common/extraction/failure_log.h"
-#include "common/plugin_static_function.h"
 
 #include <QFileInfo>
 
@@ -48,23 +49,20 @@ bool lies_in_source(const QString &path, const QString &signature, const extract
 {
     if (is_inside_folder(path, run.source_root))
         return true;
-    plugin_static_function::app_debug(
-        operation_tag(signature) + u" file does not lie in the source ---------FAILED----------" +
-            path,
-        signature);
+    debug_log(operation_tag(signature) +
+                  u" file does not lie in the source ---------FAILED----------" + path,
+              signature);
     return false;
 }
 
 QString size_in_source(const QString &path, extraction_run &run)
 {
-    using common = plugin_static_function;
     const QString place = QFileInfo(path).canonicalFilePath();
     if (!QFileInfo(place).isDir())
-        return common::mining_size(place);
+        return size_in_bytes(place);
     const auto known = run.folder_sizes.constFind(place);
-    return known != run.folder_sizes.cend()
-               ? *known
-               : *run.folder_sizes.insert(place, common::mining_size(place));
+    return known != run.folder_sizes.cend() ? *known
+                                            : *run.folder_sizes.insert(place, size_in_bytes(place));
 }
 
 void tidy_account_names(QStringList &names)

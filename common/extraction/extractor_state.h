@@ -1,12 +1,14 @@
 #pragma once
 
 #include "common/extraction/extraction_run.h"
+#include "common/host_records.h"
 
 #include <QString>
 #include <QStringList>
 
 #include <functional>
 #include <span>
+#include <utility>
 
 /// What the extractor of one operating system holds beside its lists of found files.
 struct extractor_state {
@@ -17,6 +19,50 @@ struct extractor_state {
     int engine_type = 0;
     int source_count = 0;
     int tabs_processed = 0;
+};
+
+/// What the extractors of all operating systems take from the controller, who calls it by names of
+/// their own: the base that these share.
+class extractor_settings
+{
+protected:
+    using desktop_record = struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_desktop_info;
+    using general_record = struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_general_info;
+    using source_record = struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_source_info;
+
+    explicit extractor_settings(extraction_run::record_signal signal)
+        : state_{.run = extraction_run(std::move(signal))}
+    {
+    }
+
+    void set_helper(plugin_helper_functions *helper) { state_.run.helper = helper; }
+    void set_record_count(qint64 records) { state_.run.set_records(records); }
+    void set_tab_processed_count(int tables) { state_.tabs_processed = tables; }
+    /// Keeps root, type and display text.
+    void set_source_info(const source_record &info)
+    {
+        state_.run.source_root = info.virtual_source_path;
+        state_.run.source_type = info.source_type_internal;
+        state_.run.os_scheme_display = info.os_scheme_display;
+    }
+    /// Clears the cancel flag.
+    void set_essentials() { state_.run.set_cancelled(false); }
+    void set_plugin_name(const QString &name) { state_.plugin_name = name.trimmed(); }
+    void set_destination_location(const QString &result_directory,
+                                  const QString &temporary_directory,
+                                  const QString &destination_db_path)
+    {
+        state_.run.result_directory = result_directory;
+        state_.run.temporary_directory = temporary_directory;
+        state_.run.destination_path = destination_db_path;
+    }
+    void set_tables(const QStringList &tables) { state_.table_list = tables; }
+    void set_engine_type(int engine_type) { state_.engine_type = engine_type; }
+    /// May be called from any thread.
+    void cancel() { state_.run.set_cancelled(true); }
+    void set_source_count(int source_count) { state_.source_count = source_count; }
+
+    extractor_state state_;
 };
 
 /// The accounts' names, without duplicates (the first stays) and empty ones.

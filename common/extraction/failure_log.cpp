@@ -1,6 +1,6 @@
 #include "common/extraction/failure_log.h"
 
-#include "common/plugin_static_function.h"
+#include "common/debug_log.h"
 
 using namespace Qt::StringLiterals;
 
@@ -32,8 +32,7 @@ void log_failure(const failure_lines &lines, const QString &signature,
                  const failure_details &details)
 {
     for (const failure_line &line : lines)
-        plugin_static_function::app_debug(
-            QString::fromUtf8(line.text) + detail_text(line.followed_by, details), signature);
+        debug_log(QString::fromUtf8(line.text) + detail_text(line.followed_by, details), signature);
 }
 
 void failure_log::log(const failure_lines &lines, const QString &error, const QString &query,
@@ -49,11 +48,10 @@ failure_log::~failure_log()
 {
     for (const auto &[text, times] : met_) {
         if (times > most_listed)
-            plugin_static_function::app_debug(operation_tag(signature_) + u' ' +
-                                                  QString::number(times - most_listed) +
-                                                  u" more such failures -----FAILED----- " + path_ +
-                                                  u": " + QString::fromUtf8(text),
-                                              signature_);
+            debug_log(operation_tag(signature_) + u' ' + QString::number(times - most_listed) +
+                          u" more such failures -----FAILED----- " + path_ + u": " +
+                          QString::fromUtf8(text),
+                      signature_);
     }
 }
 

@@ -1,8 +1,8 @@
 #include "common/extraction/guarded_connection.h"
 
+#include "common/debug_log.h"
 #include "common/extraction/extraction_run.h"
 #include "common/extraction/failure_log.h"
-#include "common/plugin_static_function.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -26,10 +26,9 @@ void tell_once_that_nothing_guards(const QString &signature)
 {
     static std::atomic<bool> told = false;
     if (!told.exchange(true))
-        plugin_static_function::app_debug(
-            operation_tag(signature) +
-                u" SQLite of the database driver is not guarded -----FAILED-----",
-            signature);
+        debug_log(operation_tag(signature) +
+                      u" SQLite of the database driver is not guarded -----FAILED-----",
+                  signature);
 }
 
 } // namespace

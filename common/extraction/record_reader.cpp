@@ -1,6 +1,6 @@
 #include "common/extraction/record_reader.h"
 
-#include "common/plugin_static_function.h"
+#include "common/debug_log.h"
 
 #include <QScopedValueRollback>
 
@@ -46,9 +46,9 @@ void read_records(const record_reader &reader, const QStringList &files, extract
                   const file_reading_function &read_file)
 {
     const QString signature = QString::fromUtf8(reader.signature);
-    plugin_static_function::app_debug(QString::fromUtf8(reader.starts), signature);
+    debug_log(QString::fromUtf8(reader.starts), signature);
     if (run.idle_extractors_end_early && (run.cancelled() || files.isEmpty()))
         return;
     if (read_all(reader, signature, files, run, read_file))
-        plugin_static_function::app_debug(QString::fromUtf8(reader.ends), signature);
+        debug_log(QString::fromUtf8(reader.ends), signature);
 }

@@ -1,6 +1,6 @@
 #include "common/extraction/result_writer.h"
 
-#include "common/plugin_static_function.h"
+#include "common/debug_log.h"
 
 #include <QFileInfo>
 #include <QtSql/QSqlDriver>
@@ -54,9 +54,9 @@ void row_insertion::bind(source_row &row)
         ++position;
     }
     if (allowance_.has_cut() && !had_cut)
-        plugin_static_function::app_debug(
-            operation_tag(signature_) + u" long texts are cut -----FAILED-----"_s + row.file().path,
-            signature_);
+        debug_log(operation_tag(signature_) + u" long texts are cut -----FAILED-----"_s +
+                      row.file().path,
+                  signature_);
 }
 
 row_insertion::outcome row_insertion::write(source_row &row)
@@ -125,10 +125,10 @@ result_writer::~result_writer()
     insertions_.clear();
     if (!is_open() || connection_.database().commit())
         return;
-    plugin_static_function::app_debug(
-        operation_tag(signature_) + u" commit to destination database ---------FAILED----------",
-        signature_);
-    plugin_static_function::app_debug(connection_.error_text(), signature_);
+    debug_log(operation_tag(signature_) +
+                  u" commit to destination database ---------FAILED----------",
+              signature_);
+    debug_log(connection_.error_text(), signature_);
     run_.count_lost(run_.records() - records_before_);
 }
 

@@ -1,6 +1,6 @@
 #include "common/extraction/value_rules.h"
 
-#include "common/plugin_static_function.h"
+#include "common/run_state.h"
 #include "common/values/text_values.h"
 #include "common/values/time_values.h"
 
@@ -38,7 +38,7 @@ constinit const value_rule os_scheme_display = {
     }};
 constinit const value_rule source_count_name = {
     .of_file = [](const extraction_run &, const source_file &) -> QVariant {
-        return plugin_static_function::get_source_count_name();
+        return numbered_source_name();
     }};
 constinit const value_rule empty_value = {
     .of_file = [](const extraction_run &, const source_file &) -> QVariant {
@@ -50,7 +50,7 @@ namespace
 
 /// What a placeholder for the stored value receives: its text. A whole number may stay one, as a
 /// typed result column makes the same value of its text. Bytes that are no text stay bytes: an
-/// enciphered password would otherwise lose what no text can hold.
+/// encrypted password would otherwise lose what no text can hold.
 QVariant text_or_number(const QVariant &stored)
 {
     const int type = stored.typeId();
@@ -88,7 +88,7 @@ value_rule trimmed(int column)
 value_rule unix_seconds(int column)
 {
     return {.of_row = [](source_row &row, int from) -> QVariant {
-                return unix_seconds_of(row.stored(from));
+                return microseconds_since_1601_to_unix_seconds(row.stored(from));
             },
             .column = column};
 }
@@ -98,7 +98,9 @@ value_rule unix_seconds_keeping_zero(int column)
     return {.of_row = [](source_row &row, int from) -> QVariant {
                 const QVariant stored = text_or_number(row.stored(from));
                 const QString text = whole_number(stored) == 0 ? u"0"_s : stored.toString();
-                return text.isEmpty() || text == "0"_L1 ? QVariant(text) : unix_seconds_of(stored);
+                return text.isEmpty() || text == "0"_L1
+                           ? QVariant(text)
+                           : microseconds_since_1601_to_unix_seconds(stored);
             },
             .column = column};
 }

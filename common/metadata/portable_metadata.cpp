@@ -3,7 +3,7 @@
 // invented: what the evidence does not hold has no value.
 
 #include "common/evidence/evidence_file.h"
-#include "common/metadata/extended_attributes.h"
+#include "common/metadata/file_xattrs.h"
 #include "common/metadata/metadata_platform.h"
 #include "common/metadata/picture_position.h"
 #include "common/metadata/printed_values.h"
@@ -134,7 +134,7 @@ private:
     }
 
     QFileInfo file_;
-    extended_attributes attributes_;
+    file_xattrs attributes_;
     mutable std::optional<picture_place> place_; ///< empty until it is asked for
 };
 

@@ -6,7 +6,7 @@
 #include <QStringList>
 
 // The printed descriptions of metadata values, as the system that keeps them prints them; what
-// printed_items.h and the filters of plugin_static_function read back.
+// printed_items.h reads back.
 
 QString printed_string(const QString &text);
 QString printed_number(qint64 number);

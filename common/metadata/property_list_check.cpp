@@ -24,7 +24,7 @@ constexpr quint64 trailer_size = 32;
 
 enum object_kind : quint8 {
     simple = 0x0,
-    whole_number = 0x1,
+    integer = 0x1,
     real_number = 0x2,
     date = 0x3,
     data = 0x4,
@@ -87,7 +87,7 @@ private:
             return false;
         const quint64 mark = number(offset++, 1);
         const quint64 size = quint64{1} << (mark & 0xfU);
-        if (mark >> 4U != whole_number || size > 8 || !take(offset, size))
+        if (mark >> 4U != integer || size > 8 || !take(offset, size))
             return false;
         length = number(offset, size);
         offset += size;
@@ -147,7 +147,7 @@ private:
         switch (kind) {
         case simple:
             return low_bits == 0x8 || low_bits == 0x9; // false and true
-        case whole_number:
+        case integer:
             return low_bits <= 3 && take(offset + 1, quint64{1} << low_bits);
         case real_number:
             return (low_bits == 2 || low_bits == 3) && take(offset + 1, quint64{1} << low_bits);

@@ -36,3 +36,42 @@ QString decode_percent(const QByteArray &encoded)
     }
     return QString::fromUtf8(decoded);
 }
+
+QString decode_unicode_escapes(const QString &text)
+{
+    QString decoded = empty_text();
+    decoded.reserve(text.size());
+    for (QStringView rest = text; !rest.isEmpty();) {
+        qsizetype used = 1;
+        if (const std::optional<QChar> code_unit = leading_unicode_escape(rest)) {
+            decoded += *code_unit;
+            used = unicode_escape_size;
+        } else {
+            // An escaped backslash begins no escape.
+            used = rest.startsWith(u"\\\\") ? 2 : 1;
+            decoded += rest.first(used);
+        }
+        rest = rest.sliced(used);
+    }
+    return decoded;
+}
+
+QString bytes_to_size_text(const QString &bytes)
+{
+    const QString trimmed = bytes.trimmed();
+    if (trimmed.isEmpty())
+        return empty_text();
+
+    constexpr quint64 kilobyte = 1024;
+    constexpr quint64 megabyte = 1024 * kilobyte;
+    const quint64 size = trimmed.toULongLong();
+    if (size < kilobyte)
+        return QString::number(size) + u" B";
+    const auto in_units_of = [size](quint64 unit) {
+        return QString::number(static_cast<double>(size) / static_cast<double>(unit), 'f', 2);
+    };
+    if (size < megabyte)
+        return in_units_of(kilobyte) + u" KB";
+    // No larger unit: sizes from a megabyte up are meant to stay comparable at sight.
+    return in_units_of(megabyte) + u" MB";
+}

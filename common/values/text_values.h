@@ -46,5 +46,12 @@ inline std::optional<QChar> leading_unicode_escape(QStringView text)
 QString decode_percent(const QString &text);
 QString decode_percent(const QByteArray &encoded);
 
+/// Replaces "\uXXXX" and "\UXXXX" escapes by their characters. Other escapes stay as they are,
+/// among them those of character 0 and of the backslash.
+QString decode_unicode_escapes(const QString &text);
+
+/// "n B", "n.nn KB" or "n.nn MB"; never larger units. Empty for an empty text.
+QString bytes_to_size_text(const QString &bytes);
+
 /// "YES" or "NO".
 QString yes_or_no(bool yes);

@@ -1,5 +1,5 @@
-// Lines of an enciphered debug log, as bytes and as base64; and that deciphering undoes
-// enciphering.
+// Lines of an encrypted debug log, as bytes and as base64; and that decrypting undoes
+// encrypting.
 
 #include "common/encryptor_string.h"
 #include "fuzz/fuzz_case.h"
@@ -15,6 +15,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
         cipher.set_protection(static_cast<encryptor_string::protection>(data[0] / 3 % 3));
     }
     if (cipher.decryptToByteArray(cipher.encryptToByteArray(input)) != input)
-        qFatal("deciphering does not give back what was enciphered");
+        qFatal("decrypting does not give back what was encrypted");
     return 0;
 }

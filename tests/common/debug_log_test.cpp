@@ -30,7 +30,7 @@ private Q_SLOTS:
     void engine_tags_data();
     void engine_tags();
     void plain_file();
-    void enciphered_file();
+    void encrypted_file();
     void nothing_when_off();
 };
 
@@ -97,7 +97,7 @@ void debug_log_test::plain_file()
     QVERIFY(form.match(lines.at(1)).hasMatch());
 }
 
-void debug_log_test::enciphered_file()
+void debug_log_test::encrypted_file()
 {
     QTemporaryDir directory;
     const QString path = directory.filePath(u"log"_s);

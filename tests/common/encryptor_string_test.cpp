@@ -12,8 +12,8 @@ class encryptor_string_test : public QObject
 private Q_SLOTS:
     void round_trips_in_every_mode();
     void makes_the_documented_layout();
-    void deciphers_or_refuses_data();
-    void deciphers_or_refuses();
+    void decrypts_or_refuses_data();
+    void decrypts_or_refuses();
 };
 
 void encryptor_string_test::round_trips_in_every_mode()
@@ -45,7 +45,7 @@ void encryptor_string_test::makes_the_documented_layout()
     QVERIFY(differing > 0);
 }
 
-/// Enciphers a block that encryptor_string itself would never make.
+/// Encrypts a block that encryptor_string itself would never make.
 static QByteArray chained(const QByteArray &flags_hex, QByteArray block)
 {
     const QByteArray key = QByteArray::fromHex("f1642b7ac0913e5d");
@@ -54,7 +54,7 @@ static QByteArray chained(const QByteArray &flags_hex, QByteArray block)
     return QByteArray::fromHex("03" + flags_hex) + block;
 }
 
-void encryptor_string_test::deciphers_or_refuses_data()
+void encryptor_string_test::decrypts_or_refuses_data()
 {
     QTest::addColumn<QByteArray>("cipher_text");
     QTest::addColumn<error>("expected");
@@ -82,7 +82,7 @@ void encryptor_string_test::deciphers_or_refuses_data()
     row(chained("01", "r\x7f" + compressed.sliced(1)), error::integrity_failed); // 2 GB announced
 }
 
-void encryptor_string_test::deciphers_or_refuses()
+void encryptor_string_test::decrypts_or_refuses()
 {
     QFETCH(QByteArray, cipher_text);
     QFETCH(error, expected);

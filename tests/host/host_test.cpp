@@ -288,7 +288,7 @@ private Q_SLOTS:
         QCOMPARE(tables[u"cookies"_s].toInt(), cookies);
     }
 
-    void deciphers_a_log()
+    void decrypts_a_log()
     {
         const QByteArray repetitive = QByteArray("visited ").repeated(20000);
         const QByteArray packed = qCompress(repetitive, 9);

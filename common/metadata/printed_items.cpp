@@ -11,7 +11,8 @@
 // escapes quotes and backslashes, and "\U2019" is the character of that code.
 
 #include "common/metadata/printed_items.h"
-#include "common/plugin_static_function.h"
+
+#include "common/debug_log.h"
 #include "common/values/text_values.h"
 
 #include <QRegularExpression>
@@ -114,7 +115,7 @@ QStringList printed_addresses(QStringView description)
     return addresses;
 }
 
-QString plugin_static_function::get_filtered_number_value(const QString &description)
+QString bare_number(const QString &description)
 {
     QStringView value = QStringView(description).trimmed();
     if (const qsizetype equals = value.indexOf(u'='); equals >= 0) {
@@ -127,22 +128,22 @@ QString plugin_static_function::get_filtered_number_value(const QString &descrip
     return number.trimmed();
 }
 
-QString plugin_static_function::get_filtered_boolean_value(const QString &description)
+QString bare_boolean(const QString &description)
 {
     return empty_text() + braced_value(description);
 }
 
-QString plugin_static_function::get_filtered_cfstring_value(const QString &description)
+QString bare_string(const QString &description)
 {
-    return get_filtered_boolean_value(description).remove(u'"');
+    return bare_boolean(description).remove(u'"');
 }
 
-QString plugin_static_function::get_filtered_wherefrom_value(const QString &description)
+QString joined_addresses(const QString &description)
 {
     return not_null(printed_addresses(description).join(u';'));
 }
 
-QString plugin_static_function::get_filtered_string_value(const QString &description)
+QString joined_items(const QString &description)
 {
     const QStringView text = QStringView(description).trimmed();
     if (!is_list(text))
@@ -150,21 +151,21 @@ QString plugin_static_function::get_filtered_string_value(const QString &descrip
     return empty_text() + printed_items(text).join(u';');
 }
 
-QString plugin_static_function::get_filtered_date_value(const QString &description)
+QString printed_date_to_unix_seconds(const QString &description)
 {
     if (description.trimmed().isEmpty())
         return empty_text();
-    const QDateTime date = get_datetime_from_string_with_iso_date(description);
+    const QDateTime date = iso_text_to_date_time(description);
     if (!date.isValid())
         return empty_text();
     return QString::number(date.toMSecsSinceEpoch() / 1000);
 }
 
-QDateTime plugin_static_function::get_datetime_from_string_with_iso_date(const QString &text)
+QDateTime iso_text_to_date_time(const QString &text)
 {
     const QString signature = u"static QDateTime plugin_static_function::"
                               "get_datetime_from_string_with_iso_date(QString)"_s;
-    app_debug(u"Start " + text, signature);
+    debug_log(u"Start " + text, signature);
 
     static const QRegularExpression iso_form(QRegularExpression::anchoredPattern(
         u"(\\d{4}-\\d\\d-\\d\\d)"
@@ -181,6 +182,6 @@ QDateTime plugin_static_function::get_datetime_from_string_with_iso_date(const Q
                             .addSecs(parts.captured(3) == u"-" ? offset : -offset);
     }
 
-    app_debug(u"End " + text, signature);
+    debug_log(u"End " + text, signature);
     return date_time;
 }

@@ -1,4 +1,4 @@
-#include "host/decipher_log.h"
+#include "host/decrypt_log.h"
 
 #include "host/terminal.h"
 
@@ -27,13 +27,13 @@ constexpr qsizetype longest_compressed_line = 256 * kib;
 
 constexpr QByteArrayView separator = "<[{()}]>";
 
-/// A deciphered line, or what is wrong with the record.
-struct deciphered {
+/// A decrypted line, or what is wrong with the record.
+struct decrypted_line {
     QByteArray line;
     QString damage;
 };
 
-/// Takes the chained XOR off: every byte was mixed with the enciphered byte before it and the key.
+/// Takes the chained XOR off: every byte was mixed with the encrypted byte before it and the key.
 QByteArray plain_block(const QByteArray &cipher)
 {
     QByteArray plain = cipher;
@@ -46,7 +46,7 @@ QByteArray plain_block(const QByteArray &cipher)
     return plain;
 }
 
-deciphered decompressed(const QByteArray &payload)
+decrypted_line decompressed(const QByteArray &payload)
 {
     if (payload.size() < 4)
         return {{}, u"it is cut short"_s};
@@ -59,7 +59,7 @@ deciphered decompressed(const QByteArray &payload)
     return {line, {}};
 }
 
-deciphered decipher(const QByteArray &record)
+decrypted_line decrypt(const QByteArray &record)
 {
     if (record.isEmpty())
         return {{}, u"it is empty or too long"_s};
@@ -87,14 +87,14 @@ deciphered decipher(const QByteArray &record)
         if (hash != QCryptographicHash::hash(payload, QCryptographicHash::Sha1))
             return {{}, u"its hash does not match"_s};
     }
-    return flags & compressed_flag ? decompressed(payload) : deciphered{payload, {}};
+    return flags & compressed_flag ? decompressed(payload) : decrypted_line{payload, {}};
 }
 
 /// Cuts a file into the records before the separators, reading it piece by piece.
-class record_reader
+class log_record_reader
 {
 public:
-    explicit record_reader(QFile &file) : file_(file) {}
+    explicit log_record_reader(QFile &file) : file_(file) {}
 
     /// The next record; false at the end of the file. A record that is too long comes empty.
     bool next(QByteArray &record)
@@ -140,7 +140,7 @@ void report(qint64 number, const QString &damage)
 
 } // namespace
 
-int decipher_log(const QString &path)
+int decrypt_log(const QString &path)
 {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
@@ -150,10 +150,10 @@ int decipher_log(const QString &path)
 
     int status = 0;
     qint64 number = 0;
-    record_reader reader(file);
+    log_record_reader reader(file);
     for (QByteArray record; reader.next(record);) {
         ++number;
-        const deciphered result = decipher(record);
+        const decrypted_line result = decrypt(record);
         if (!result.damage.isEmpty()) {
             report(number, result.damage);
             status = 1;

@@ -1,4 +1,4 @@
-#include "common/metadata/extended_attributes.h"
+#include "common/metadata/file_xattrs.h"
 
 #include "common/evidence/evidence_file.h"
 
@@ -73,7 +73,7 @@ attribute_values companion_of(const QString &path)
 
 } // namespace
 
-extended_attributes::extended_attributes(const QString &path)
+file_xattrs::file_xattrs(const QString &path)
 {
     const QString resolved = QFileInfo(path).canonicalFilePath();
     path_ = QFile::encodeName(resolved);
@@ -81,7 +81,7 @@ extended_attributes::extended_attributes(const QString &path)
     companion_ = companion_of(resolved);
 }
 
-QByteArrayList extended_attributes::values(const QByteArray &name) const
+QByteArrayList file_xattrs::values(const QByteArray &name) const
 {
     QByteArrayList values;
     for (const char *prefix : name_prefixes) {

@@ -7,11 +7,11 @@
 
 /// The extended attributes that a file of a macOS volume had, by the names they had there, from
 /// every place in which other systems keep them.
-class extended_attributes
+class file_xattrs
 {
 public:
     /// The path must exist. When it is a link, that which the link leads to is looked at.
-    explicit extended_attributes(const QString &path);
+    explicit file_xattrs(const QString &path);
 
     /// The values under a name, from the most direct carrier to the least.
     QByteArrayList values(const QByteArray &name) const;

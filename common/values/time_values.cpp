@@ -1,7 +1,8 @@
-#include "common/plugin_static_function.h"
-#include "common/values/text_values.h"
 #include "common/values/time_values.h"
 
+#include "common/values/text_values.h"
+
+#include <QDateTime>
 #include <QLocale>
 
 #include <algorithm>
@@ -43,7 +44,7 @@ QString two_digits(int number)
     return digits.size() < 2 ? u'0' + digits : digits;
 }
 
-std::optional<qint64> unix_seconds(const QString &text, const QString &format)
+std::optional<qint64> parsed_seconds(const QString &text, const QString &format)
 {
     const QDateTime instant = QLocale::c().toDateTime(text, format);
     if (!instant.isValid())
@@ -55,7 +56,7 @@ std::optional<qint64> unix_seconds(const QString &text, const QString &format)
 /// hour that the local clocks skip would not be readable.
 std::optional<qint64> unix_seconds_of_utc(const QString &text, const QString &format)
 {
-    return unix_seconds(text + u" UTC", format + u" t");
+    return parsed_seconds(text + u" UTC", format + u" t");
 }
 
 /// The human-readable forms give 0, not an empty text, for a date that cannot be read.
@@ -71,32 +72,33 @@ QString text_or_empty(std::optional<qint64> seconds)
 
 } // namespace
 
-QString plugin_static_function::convert_google_time_to_epoch(const QString &google_time)
+QString microseconds_since_1601_to_unix_seconds(const QString &microseconds)
 {
-    if (is_empty_or_zero(google_time))
+    if (is_empty_or_zero(microseconds))
         return empty_text();
-    if (google_time.size() == 10)
-        return google_time;
+    if (microseconds.size() == 10)
+        return microseconds;
 
-    const auto microseconds = static_cast<qint64>(google_time.toULongLong());
-    return QString::number(microseconds / 1'000'000 - seconds_from_1601_to_1970);
+    const auto time = static_cast<qint64>(microseconds.toULongLong());
+    return QString::number(time / 1'000'000 - seconds_from_1601_to_1970);
 }
 
-QVariant unix_seconds_of(const QVariant &google_time)
+QVariant microseconds_since_1601_to_unix_seconds(const QVariant &microseconds)
 {
-    const std::optional<qint64> time = whole_number(google_time);
+    const std::optional<qint64> time = whole_number(microseconds);
     if (!time || *time <= 0) // the text of a negative number is read in a way of its own
-        return plugin_static_function::convert_google_time_to_epoch(google_time.toString());
+        return microseconds_since_1601_to_unix_seconds(microseconds.toString());
     const bool has_ten_digits = *time >= 1'000'000'000 && *time <= 9'999'999'999;
     return has_ten_digits ? *time : *time / 1'000'000 - seconds_from_1601_to_1970;
 }
 
-QString plugin_static_function::convert_timestamp_to_human_readable_in_UTC(const QString &timestamp)
+QString unix_seconds_to_utc_text(const QString &unix_seconds)
 {
-    return utc_text(before_point(QStringView(timestamp).trimmed()).toInt());
+    return unix_seconds_to_utc_text(
+        qint64{before_point(QStringView(unix_seconds).trimmed()).toInt()});
 }
 
-QString utc_text(qint64 unix_time)
+QString unix_seconds_to_utc_text(qint64 unix_time)
 {
     using namespace std::chrono;
 
@@ -121,7 +123,7 @@ QString utc_text(qint64 unix_time)
     return QString::fromUtf16(text, std::size(text) - 1);
 }
 
-QString plugin_static_function::convert_human_readable_to_epoch_1(const QString &text)
+QString english_date_to_unix_seconds(const QString &text)
 {
     const QString format = u"MMM d, yyyy, h:mm:ss AP"_s;
     const QString padded = text.trimmed() + u' '; // so that the zone may be missing
@@ -134,10 +136,10 @@ QString plugin_static_function::convert_human_readable_to_epoch_1(const QString 
     const QString date_time = padded.first(mark + 3);
     const QString zone = padded.sliced(mark + 3).trimmed();
     return text_or_zero(zone == u"UTC" ? unix_seconds_of_utc(date_time, format)
-                                       : unix_seconds(date_time, format));
+                                       : parsed_seconds(date_time, format));
 }
 
-QString plugin_static_function::convert_human_readable_to_epoch_2(const QString &text)
+QString sql_date_to_unix_seconds(const QString &text)
 {
     QString date_time = text.trimmed();
     if (const qsizetype point = date_time.indexOf(u'.'); point >= 0) {
@@ -155,8 +157,7 @@ QString plugin_static_function::convert_human_readable_to_epoch_2(const QString 
         ahead_of_utc ? date_time.indexOf(u'+') : date_time.indexOf(u'-', date_time.indexOf(u':'));
     qint64 offset = 0;
     if (sign >= 0) {
-        offset = static_cast<qint64>(
-            convert_timezone_to_seconds(date_time.sliced(sign + 1).remove(u':')));
+        offset = static_cast<qint64>(hhmm_to_seconds(date_time.sliced(sign + 1).remove(u':')));
         date_time = date_time.first(sign).trimmed();
     }
 
@@ -166,7 +167,7 @@ QString plugin_static_function::convert_human_readable_to_epoch_2(const QString 
     return text_or_zero(seconds);
 }
 
-QString plugin_static_function::convert_human_readable_to_epoch_3(const QString &text)
+QString http_date_to_unix_seconds(const QString &text)
 {
     QString date_time = text.trimmed();
     if (is_empty_or_zero(date_time))
@@ -178,14 +179,14 @@ QString plugin_static_function::convert_human_readable_to_epoch_3(const QString 
     return text_or_zero(unix_seconds_of_utc(date_time.trimmed(), u"dd MMM yyyy hh:mm:ss"_s));
 }
 
-quint64 plugin_static_function::convert_timezone_to_seconds(const QString &zone)
+quint64 hhmm_to_seconds(const QString &zone)
 {
     const qint64 hours = QStringView(zone).left(2).toInt();
     const qint64 minutes = QStringView(zone).mid(2).toInt();
     return static_cast<quint64>((hours * 60 + minutes) * 60);
 }
 
-QString plugin_static_function::get_human_readable_time(const QString &seconds)
+QString seconds_to_duration_text(const QString &seconds)
 {
     const QStringView trimmed = QStringView(seconds).trimmed();
     if (trimmed.isEmpty())
@@ -201,7 +202,7 @@ QString plugin_static_function::get_human_readable_time(const QString &seconds)
     return two_digits(hours) + u':' + below_hour + u" Hrs";
 }
 
-QString plugin_static_function::convert_apple_time_to_epoch(const QString &apple_time)
+QString seconds_since_2001_to_unix_seconds(const QString &apple_time)
 {
     const QStringView trimmed = QStringView(apple_time).trimmed();
     if (is_empty_or_zero(trimmed))
@@ -209,7 +210,7 @@ QString plugin_static_function::convert_apple_time_to_epoch(const QString &apple
     return QString::number(before_point(trimmed).toInt() + seconds_from_1970_to_2001);
 }
 
-QString plugin_static_function::convert_T_Z_time_to_epoch(const QString &text)
+QString iso_date_to_unix_seconds(const QString &text)
 {
     QString date_time = text.trimmed().replace(u'T', u' ');
     if (date_time.endsWith(u'Z'))
@@ -223,64 +224,10 @@ QString plugin_static_function::convert_T_Z_time_to_epoch(const QString &text)
     return empty_text();
 }
 
-QString plugin_static_function::get_posix_timestamp(const QString &text, const QString &format)
+QString utc_date_to_unix_seconds(const QString &text, const QString &format)
 {
     const QString trimmed = text.trimmed();
     if (trimmed.isEmpty())
         return empty_text();
     return text_or_empty(unix_seconds_of_utc(trimmed, format));
-}
-
-QString plugin_static_function::human_readable_size(const QString &bytes)
-{
-    const QString trimmed = bytes.trimmed();
-    if (trimmed.isEmpty())
-        return empty_text();
-
-    constexpr quint64 kilobyte = 1024;
-    constexpr quint64 megabyte = 1024 * kilobyte;
-    const quint64 size = trimmed.toULongLong();
-    if (size < kilobyte)
-        return QString::number(size) + u" B";
-    const auto in_units_of = [size](quint64 unit) {
-        return QString::number(static_cast<double>(size) / static_cast<double>(unit), 'f', 2);
-    };
-    if (size < megabyte)
-        return in_units_of(kilobyte) + u" KB";
-    // No larger unit: sizes from a megabyte up are meant to stay comparable at sight.
-    return in_units_of(megabyte) + u" MB";
-}
-
-QString plugin_static_function::get_source_os_scan_version(const QString &scheme)
-{
-    if (scheme != u"macOS" && scheme != u"iOS" && scheme != u"winOS")
-        return empty_text();
-
-    const auto is_digit = [](QChar c) { return c >= u'0' && c <= u'9'; };
-    const QString &version = source_os_version_full;
-    const auto begin = std::ranges::find_if(version, is_digit);
-    const auto end = std::find_if_not(begin, version.cend(), is_digit);
-    return empty_text() + QStringView(begin, end);
-}
-
-QString plugin_static_function::convert_string_to_unicode(const QString &text)
-{
-    app_debug(u" : running"_s,
-              u"static QString plugin_static_function::convert_string_to_unicode(QString)"_s);
-
-    QString decoded = empty_text();
-    decoded.reserve(text.size());
-    for (QStringView rest = text; !rest.isEmpty();) {
-        qsizetype used = 1;
-        if (const std::optional<QChar> code_unit = leading_unicode_escape(rest)) {
-            decoded += *code_unit;
-            used = unicode_escape_size;
-        } else {
-            // An escaped backslash begins no escape.
-            used = rest.startsWith(u"\\\\") ? 2 : 1;
-            decoded += rest.first(used);
-        }
-        rest = rest.sliced(used);
-    }
-    return decoded;
 }

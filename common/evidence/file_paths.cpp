@@ -1,5 +1,9 @@
+#include "common/evidence/file_paths.h"
+
+#include "common/debug_log.h"
 #include "common/evidence/evidence_file.h"
-#include "common/plugin_static_function.h"
+#include "common/run_state.h"
+#include "common/values/text_values.h"
 
 #include <QDir>
 #include <QDirIterator>
@@ -36,26 +40,24 @@ QSet<QString> trimmed_entry_names(const QString &directory)
 /// Copies by reading and writing, so that each side's failure can be named.
 void copy_file(const QString &source, const QString &destination, const QString &signature)
 {
-    using log = plugin_static_function;
     evidence_file from(source);
     if (!from.open_for_reading(evidence_file::links::refused)) {
-        log::app_debug(u"[copy_directory] source file open ----FAILED---- :"_s + source, signature);
-        log::app_debug(u"[copy_directory] Error:"_s + from.errorString(), signature);
+        debug_log(u"[copy_directory] source file open ----FAILED---- :"_s + source, signature);
+        debug_log(u"[copy_directory] Error:"_s + from.errorString(), signature);
         return;
     }
     QFile to(destination);
     if (!to.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
-        log::app_debug(u"[copy_directory] destination file open ----FAILED---- :"_s + destination,
-                       signature);
-        log::app_debug(u"[copy_directory] Error:"_s + to.errorString(), signature);
+        debug_log(u"[copy_directory] destination file open ----FAILED---- :"_s + destination,
+                  signature);
+        debug_log(u"[copy_directory] Error:"_s + to.errorString(), signature);
         return;
     }
     while (!from.atEnd()) {
         const QByteArray block = from.read(262'144);
         if (block.isEmpty() || to.write(block) != block.size()) {
-            log::app_debug(u"[copy_directory] Error:"_s + from.errorString() + u' ' +
-                               to.errorString(),
-                           signature);
+            debug_log(u"[copy_directory] Error:"_s + from.errorString() + u' ' + to.errorString(),
+                      signature);
             return;
         }
     }
@@ -63,9 +65,7 @@ void copy_file(const QString &source, const QString &destination, const QString 
 
 } // namespace
 
-QString plugin_static_function::get_available_file(const QString &directory,
-                                                   const QString &file_path,
-                                                   const QString & /*caller*/)
+QString free_file_name(const QString &directory, const QString &file_path)
 {
     QDir().mkpath(directory);
     const QString file_name = QFileInfo(file_path).fileName();
@@ -83,7 +83,7 @@ QString plugin_static_function::get_available_file(const QString &directory,
     qint64 &next = next_counters[directory + u'/' + file_name];
     if (next > 0 && exists(0) && exists(next - 1)) {
         while (exists(next)) {
-            if (bool_cancel_extraction)
+            if (run_is_cancelled())
                 return {};
             ++next;
         }
@@ -92,19 +92,16 @@ QString plugin_static_function::get_available_file(const QString &directory,
         for (next = 0; taken.contains(candidate(next).trimmed()); ++next) {
         }
     }
-    return bool_cancel_extraction ? QString() : candidate(next++);
+    return run_is_cancelled() ? QString() : candidate(next++);
 }
 
-bool plugin_static_function::is_file_exist_in_dir(const QString &directory,
-                                                  const QString &file_name,
-                                                  const QString & /*caller*/)
+bool folder_has_entry(const QString &directory, const QString &file_name)
 {
     return trimmed_entry_names(directory).contains(file_name.trimmed());
 }
 
-QString plugin_static_function::get_complete_file_path(const QString &path,
-                                                       const QString &user_name,
-                                                       const QString &source_type)
+QString complete_file_path(const QString &path, const QString &user_name,
+                           const QString &source_type)
 {
     static constexpr QLatin1StringView users = "/Users/"_L1;
     QString complete = path;
@@ -116,8 +113,7 @@ QString plugin_static_function::get_complete_file_path(const QString &path,
     return with_leading_slash(complete);
 }
 
-QString plugin_static_function::get_relative_file_path(const QString &path, const QString &prefix,
-                                                       const QString &source_type)
+QString relative_file_path(const QString &path, const QString &prefix, const QString &source_type)
 {
     QString relative = path;
     if (source_type == home_directory_source) {
@@ -127,37 +123,34 @@ QString plugin_static_function::get_relative_file_path(const QString &path, cons
     return with_leading_slash(relative);
 }
 
-std::pair<QString, QString>
-plugin_static_function::get_final_artifact_source_file(const QString &path, const QString &prefix,
-                                                       const QString &source_type)
+std::pair<QString, QString> source_file_columns(const QString &path, const QString &prefix,
+                                                const QString &source_type)
 {
-    return {get_relative_file_path(path, prefix, source_type),
+    return {relative_file_path(path, prefix, source_type),
             source_type == home_directory_source ? path : u""_s};
 }
 
-std::pair<QString, QString>
-plugin_static_function::extract_user_name_from_sourcefile(const QString &path,
-                                                          const QString &prefix)
+std::pair<QString, QString> account_of_path(const QString &path, const QString &prefix)
 {
-    if (system_account_QList.isEmpty())
+    if (source_accounts().isEmpty())
         return {u""_s, u""_s};
     const QStringList parts = path.mid(prefix.size()).split(u'/');
     if (parts.size() < 2)
         return {u""_s, u""_s};
     const QString &candidate = parts.at(1);
-    for (const auto &account : std::as_const(system_account_QList)) {
+    for (const auto &account : source_accounts()) {
         if (account.system_user == candidate)
             return {account.system_user, account.domain_user};
     }
     return {candidate, u""_s};
 }
 
-void plugin_static_function::copy_directory(const QString &source, const QString &destination)
+void copy_folder(const QString &source, const QString &destination)
 {
     const QString signature =
         u"static void plugin_static_function::copy_directory(QString, QString)"_s;
     if (source.isEmpty() || !QDir(source).exists()) {
-        app_debug(u"[copy_directory] source diectory does not exist ----FAILED---- :"_s + source,
+        debug_log(u"[copy_directory] source diectory does not exist ----FAILED---- :"_s + source,
                   signature);
         return;
     }
@@ -166,7 +159,7 @@ void plugin_static_function::copy_directory(const QString &source, const QString
     while (!QFileInfo::exists(existing) && !QDir(existing).isRoot())
         existing = QFileInfo(existing).path();
     if (is_inside_folder(existing, source)) {
-        app_debug(u"[copy_directory] Error:destination lies in the source, "_s + destination,
+        debug_log(u"[copy_directory] Error:destination lies in the source, "_s + destination,
                   signature);
         return;
     }
@@ -180,13 +173,13 @@ void plugin_static_function::copy_directory(const QString &source, const QString
         if (entry.isSymLink())
             continue;
         if (entry.isDir())
-            copy_directory(entry.filePath(), target);
+            copy_folder(entry.filePath(), target);
         else
             copy_file(entry.filePath(), target, signature);
     }
 }
 
-void plugin_static_function::remove_directory(const QString &directory)
+void remove_folder(const QString &directory)
 {
     // An empty path would mean the current directory.
     const QString path = QDir::cleanPath(directory);
@@ -198,14 +191,36 @@ void plugin_static_function::remove_directory(const QString &directory)
         QDir(path).removeRecursively();
 }
 
-QStringList
-plugin_static_function::get_unmatched_varible_list_of_parentlist(const QStringList &parent_list,
-                                                                 const QStringList &other_list)
+QString file_suffix(const QString &path)
 {
-    QStringList unmatched;
-    for (const QString &entry : parent_list) {
-        if (!other_list.contains(entry))
-            unmatched.append(entry);
+    QStringView name = QStringView(path).sliced(path.lastIndexOf(u'/') + 1);
+    if (name.startsWith(u'.'))
+        name = name.sliced(1);
+
+    const qsizetype point = name.lastIndexOf(u'.');
+    if (point < 0)
+        return empty_text();
+    return name.sliced(point + 1).toString();
+}
+
+QString size_in_bytes(const QString &path)
+{
+    const QFileInfo entry(path);
+    // Links of a mounted source lead into the examiner's own file system.
+    if (!entry.exists() || entry.isSymbolicLink())
+        return empty_text();
+    if (!entry.isDir())
+        return QString::number(entry.size());
+
+    quint64 total_size = 0; // unsigned: sparse files can add up beyond any real volume
+    QDirIterator walk(path, QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
+                      QDirIterator::Subdirectories);
+    while (walk.hasNext()) {
+        if (run_is_cancelled())
+            return QString::number(entry.size());
+        const QFileInfo found = walk.nextFileInfo();
+        if (!found.isDir() && !found.isSymbolicLink())
+            total_size += static_cast<quint64>(found.size());
     }
-    return unmatched;
+    return QString::number(total_size);
 }

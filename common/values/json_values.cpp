@@ -1,4 +1,6 @@
-#include "common/values/relaxed_json.h"
+#include "common/values/json_values.h"
+
+#include "common/values/text_values.h"
 
 #include <QJsonDocument>
 
@@ -43,4 +45,16 @@ QJsonObject relaxed_json_object(const QByteArray &text)
     if (strict.isObject())
         return strict.object();
     return QJsonDocument::fromJson(without_comments(json)).object();
+}
+
+QString json_text(const QJsonValue &value)
+{
+    if (value.isDouble())
+        return value.toVariant().toString();
+    return not_null(value.toString());
+}
+
+QString json_flag(const QJsonValue &value)
+{
+    return yes_or_no(value.toBool());
 }

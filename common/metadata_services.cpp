@@ -1,7 +1,8 @@
 // The members of plugin_static_function that read metadata values and dictionaries through the
 // platform operations.
 
-#include "common/metadata/metadata_platform.h"
+#include "common/debug_log.h"
+#include "common/metadata/metadata_item.h"
 #include "common/plugin_static_function.h"
 #include "common/values/text_values.h"
 
@@ -12,23 +13,15 @@ namespace
 
 const QString date_pattern = u"dd-MMM-yyyy,HH:mm:ss a"_s;
 
-QString description_of_attribute(metadata_platform::reference item, const QString &name)
-{
-    metadata_platform &platform = metadata_platform::current();
-    const metadata_reference value(platform.copy_attribute(item, name));
-    return value ? platform.description(value.get()) : empty_text();
-}
-
 /// The value of a key; a missing one is logged as the operation's failure.
 metadata_platform::reference value_of_key(void *dictionary, void *key, QLatin1StringView operation)
 {
     metadata_platform &platform = metadata_platform::current();
     const auto value = dictionary != nullptr ? platform.dictionary_value(dictionary, key) : nullptr;
     if (value == nullptr)
-        plugin_static_function::app_debug(u'[' + operation + u"]-----FAILED----- to get value: " +
-                                              (key != nullptr ? platform.text(key) : QString()),
-                                          u"static QString plugin_static_function::"_s + operation +
-                                              u"(void*, void*)");
+        debug_log(u'[' + operation + u"]-----FAILED----- to get value: " +
+                      (key != nullptr ? platform.text(key) : QString()),
+                  u"static QString plugin_static_function::"_s + operation + u"(void*, void*)");
     return value;
 }
 
@@ -48,22 +41,7 @@ QString labelled(const QString &label, const QString &value)
 struct_GLOBAL_ARTIFACT_used_dates
 plugin_static_function::extract_used_date(const QString &file_path)
 {
-    const metadata_reference item(metadata_platform::current().create_item(file_path));
-    if (!item)
-        return {empty_text(), empty_text()};
-
-    const auto cleaned = [](QString description) {
-        return description.remove(u'(').remove(u')').remove(u'"');
-    };
-    QStringList dates;
-    for (const QString &date :
-         cleaned(description_of_attribute(item.get(), u"kMDItemUsedDates"_s)).split(u',')) {
-        if (!date.trimmed().isEmpty())
-            dates.append(date.trimmed());
-    }
-    return {
-        not_null(cleaned(description_of_attribute(item.get(), u"kMDItemLastUsedDate"_s)).trimmed()),
-        not_null(dates.join(u';'))};
+    return metadata_item(file_path).used_dates();
 }
 
 QString plugin_static_function::convert_cfstring_to_qstring(const __CFString *string)
