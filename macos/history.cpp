@@ -62,14 +62,14 @@ const database_reader macos_readers::history_11 = {
                           "artifacts_relation_source_file,os_scheme_display,source_count_name) "
                           "values(?,?,?,?,?,?,  ?,?,?,?,?, ?,?,?)",
                    .values = {untagged, system_user,
-                              trimmed(0),              // id
-                              trimmed(1),              // urls
-                              trimmed(2),              // title
-                              trimmed(3),              // typed_count
-                              yes_when_trimmed_one(5), // hidden
-                              unix_seconds(4),         // last_visit_date
-                              from_row(visit_text, 0), // visited_detail
-                              trimmed(7),              // visit_count
+                              trimmed(0),                       // id
+                              text_of(trimmed(1)),              // urls
+                              text_of(trimmed(2)),              // title
+                              trimmed(3),                       // typed_count
+                              yes_when_trimmed_one(5),          // hidden
+                              unix_seconds(4),                  // last_visit_date
+                              text_of(from_row(visit_text, 0)), // visited_detail
+                              trimmed(7),                       // visit_count
                               source_file_path, relation_source_file, os_scheme_display,
                               source_count_name}},
     }},

@@ -57,8 +57,8 @@ keyed_select rows_of_profile(const char *statement, const char *failed, const ch
             .table = {.name = table,
                       .key = "guid",
                       .type = own_table::key_type::text,
-                      .columns = columns},
-            .first_row_only = first_row_only};
+                      .columns = columns,
+                      .first_of_key = first_row_only}};
 }
 
 QString gender_text(const QString &stored)

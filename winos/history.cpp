@@ -7,7 +7,6 @@
 #include "winos/opera_winos.h"
 #include "winos/winos_readers.h"
 
-#include <QCache>
 #include <QtSql/QSqlQuery>
 
 using namespace Qt::StringLiterals;
@@ -73,13 +72,13 @@ const database_reader winos_readers::history_url = {
                           "os_scheme_display,source_count_name) "
                           "values(?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?)",
                    .values = {untagged, system_user, domain_user,
-                              derived(url), // urls
-                              derived(title), derived(visit_count), derived(typed_count),
+                              text_of(derived(url)), // urls
+                              text_of(derived(title)), derived(visit_count), derived(typed_count),
                               derived(last_visit_time), // last_visit_date
                               source_file_path,
-                              derived(local_path), // url_text
-                              derived(local_path), // preview_file_path
-                              derived(local_path), // export_file_paths
+                              text_of(derived(local_path)), // url_text
+                              text_of(derived(local_path)), // preview_file_path
+                              text_of(derived(local_path)), // export_file_paths
                               from_row(visit_time, 2), from_row(visit_duration, 1), derived(hidden),
                               os_scheme_display, source_count_name}},
     }},
@@ -90,8 +89,9 @@ const database_reader winos_readers::history_url = {
                   .table = {.name = "urls",
                             .key = "id",
                             .type = own_table::key_type::number,
-                            .columns = "url,title,visit_count,typed_count,last_visit_time,hidden"},
-                  .first_row_only = true}},
+                            .columns = "url,title,visit_count,typed_count,last_visit_time,hidden",
+                            .first_of_key = true},
+                  .joined_by = "url"}},
 };
 
 const database_reader winos_readers::search_items = {
@@ -156,39 +156,42 @@ QString opera_winos::local_path_of(const QString &address) const
 }
 
 /// A visit whose URL is missing or cannot be read keeps its time and duration.
-bool opera_winos::derive_visit(source_row &row) const
+void opera_winos::derive_visit(source_row &row, path_cache &local_paths) const
 {
     row.derived.fill(QVariant(), local_path + 1);
-    const found_rows found = row.look_up(0, row.stored(0), [&row](const QSqlQuery &urls) {
-        for (const int column : {url, title, visit_count, typed_count, last_visit_time, hidden})
-            row.derived[column] = urls.value(column).toString();
+    row.look_up(0, row.stored(0), [&row](const QSqlQuery &urls) {
+        for (const int column : {url, title, visit_count, typed_count, last_visit_time, hidden}) {
+            const QVariant value = urls.value(column);
+            row.derived[column] = whole_number(value) ? value : value.toString();
+        }
     });
     const QString address = decode_percent(row.derived.at(url).toString());
     row.derived[url] = address;
     row.derived[last_visit_time] =
-        microseconds_since_1601_to_unix_seconds(row.derived.at(last_visit_time).toString());
+        microseconds_since_1601_to_unix_seconds(row.derived.at(last_visit_time));
     row.derived[hidden] = yes_no_or_stored(row.derived.at(hidden).toString());
-    row.derived[local_path] = local_path_of(address);
-    return found != found_rows::none && !row.interrupted();
+    if (!address.contains("file://"_L1)) {
+        row.derived[local_path] = empty_text();
+    } else if (const QString *known = local_paths.object(address)) {
+        row.derived[local_path] = *known;
+    } else {
+        row.derived[local_path] = local_path_of(address);
+        local_paths.insert(address, new QString(row.derived.at(local_path).toString()));
+    }
 }
 
 void opera_winos::extract_history_url()
 {
     // Pages are visited again and again within a short time.
     constexpr qsizetype most_pages = 1'000;
-    QCache<qint64, QVariantList> pages(most_pages);
+    path_cache local_paths(most_pages);
     QString file;
     read_databases(winos_readers::history_url, found_.history, state_.run, [&](database_row &row) {
         if (row.file().path != file) {
             file = row.file().path;
-            pages.clear();
+            local_paths.clear();
         }
-        const std::optional<qint64> id = whole_number(row.stored(0));
-        const QVariantList *known = id ? pages.object(*id) : nullptr;
-        if (known != nullptr)
-            row.derived = *known;
-        else if (derive_visit(row) && id)
-            pages.insert(*id, new QVariantList(row.derived));
+        derive_visit(row, local_paths);
         return true;
     });
 }

@@ -2,6 +2,7 @@
 
 #include "common/extraction/extractor_state.h"
 
+#include <QCache>
 #include <QList>
 #include <QString>
 #include <QStringList>
@@ -164,8 +165,8 @@ private:
 
     /// The path inside the source, beginning with "/", that a file URL names; empty for all others.
     QString local_path_of(const QString &url) const;
-    /// False when the look-up of the page cannot be run.
-    bool derive_visit(source_row &row) const;
+    using path_cache = QCache<QString, QString>; ///< local paths, by address
+    void derive_visit(source_row &row, path_cache &local_paths) const;
     void derive_download(source_row &row);
     void read_sessions(const record_reader &reader, const QStringList &files);
     void for_each_profile_row(const profile_look_up &look_up, const QString &guid,

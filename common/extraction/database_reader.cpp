@@ -16,7 +16,12 @@ using namespace Qt::StringLiterals;
 namespace
 {
 
-enum class file_result { done, unknown_schema, cancelled };
+enum class file_result {
+    done,
+    unknown_schema,
+    cancelled,
+    repeats_too_much, ///< the rows that follow are to be read without joining
+};
 
 /// What is known while one file is read.
 struct file_reading {
@@ -39,13 +44,22 @@ struct file_reading {
     }
 };
 
+/// A main SELECT as it is run, with the row of one look-up joined before its columns or without.
+struct main_select {
+    QString text; ///< as it is logged
+    guarded_query rows;
+    int joined_columns = 0;
+};
+
 /// The current row of the main SELECT. Look-ups are prepared when the first row needs them and
 /// serve all rows of the file.
 class current_row : public database_row
 {
 public:
-    current_row(const file_reading &reading, const QSqlQuery &rows)
-        : database_row(reading.run, reading.file), reading_(reading), rows_(rows),
+    current_row(const file_reading &reading, const main_select &select)
+        : database_row(reading.run, reading.file), reading_(reading), rows_(select.rows.query()),
+          joined_columns_(select.joined_columns),
+          repeated_bytes_left_(keyed_rows::repeatable_bytes(reading.source.size())),
           look_ups_(reading.reader.look_ups.size())
     {
     }
@@ -60,12 +74,20 @@ public:
         return *helper_queries_.at(index);
     }
 
-    QVariant stored(int column) const override { return rows_.value(column); }
+    QVariant stored(int column) const override { return rows_.value(column + joined_columns_); }
 
     found_rows look_up(int number, const QVariant &key,
                        const std::function<void(const QSqlQuery &)> &each) override
     {
         const auto index = static_cast<std::size_t>(number);
+        if (joined_columns_ > 0) {
+            // The joined key comes last; it is NULL where no row has it.
+            if (!rows_.isNull(joined_columns_ - 1)) {
+                repeated_bytes_left_ -= keyed_rows::bytes_of(rows_, joined_columns_);
+                each(rows_);
+            }
+            return found_rows::all;
+        }
         std::unique_ptr<keyed_rows> &rows = look_ups_.at(index);
         if (!rows)
             // A connection of its own: a statement that meets a damaged page would send the main
@@ -79,21 +101,29 @@ public:
         return found;
     }
 
+    /// True once joined rows repeat more than the file's size allows.
+    bool repeats_too_much() const { return repeated_bytes_left_ < 0; }
+
 private:
     const file_reading &reading_;
     const QSqlQuery &rows_;
+    const int joined_columns_;
+    qint64 repeated_bytes_left_;
     std::vector<std::unique_ptr<keyed_rows>> look_ups_;
     std::vector<std::unique_ptr<QSqlQuery>> helper_queries_;
 };
 
-/// The rows of a SELECT that ran, up to its last row or to what keeps it from going on.
-file_result write_rows(const file_reading &reading, guarded_query &rows, row_insertion &insert)
+/// The rows of a SELECT that ran, up to its last row or to what keeps it from going on. `taken`
+/// counts them, over all SELECTs of the file.
+file_result write_rows(const file_reading &reading, main_select &select, row_insertion &insert,
+                       qint64 &taken)
 {
-    current_row row(reading, rows.query());
+    current_row row(reading, select);
     // Joined rows of equal keys could be more than the file can hold.
     constexpr qint64 least_bytes_of_row = 6;
-    qint64 rows_left = 1'000 + reading.source.size() / least_bytes_of_row;
-    while (rows.next() && --rows_left >= 0) {
+    const qint64 most_rows = 1'000 + reading.source.size() / least_bytes_of_row;
+    while (select.rows.next() && taken < most_rows) {
+        ++taken;
         if (reading.run.cancelled() || (reading.prepare_row && !reading.prepare_row(row))) {
             if (reading.run.cancelled())
                 return file_result::cancelled;
@@ -103,14 +133,19 @@ file_result write_rows(const file_reading &reading, guarded_query &rows, row_ins
         if (reading.run.cancelled() || row.interrupted() ||
             insert.write(row) == row_insertion::outcome::interrupted)
             return file_result::cancelled;
+        if (row.repeats_too_much())
+            return file_result::repeats_too_much;
     }
     if (reading.run.cancelled())
         return file_result::cancelled;
-    const QString error = rows_left < 0 ? sqlite_guard::error() : rows.error_text();
+    const QString error =
+        taken == most_rows && select.rows.error_text().isEmpty() && select.rows.query().isValid()
+            ? sqlite_guard::error()
+            : select.rows.error_text();
     if (!error.isEmpty()) {
         // A damaged page ends the rows just as the last row does; the log must tell them apart.
         reading.tell(u" rows of the source end early ---------FAILED----------"_s, error);
-        debug_log(rows.query().lastQuery(), reading.signature());
+        debug_log(select.text, reading.signature());
     }
     return file_result::done;
 }
@@ -135,15 +170,71 @@ QString as_scan(const file_reading &reading, const QString &select)
            u" not indexed";
 }
 
-file_result read_file(const file_reading &reading, result_writer &writer)
+/// Makes the copies of tables that the reader's statements use. Returns the look-up that can be
+/// joined to the main SELECT, if there is one.
+const keyed_select *make_own_tables(const file_reading &reading)
 {
-    const database_reader &reader = reading.reader;
-    for (const own_table &table : reader.own_tables) {
+    for (const own_table &table : reading.reader.own_tables) {
         if (const QString fault = make_own_table(reading.source, table); !fault.isEmpty())
             reading.tell(u" rows of table "_s + QString::fromUtf8(table.name) +
                              u" are missing ---------FAILED----------",
                          fault);
     }
+    if (!reading.sound || reading.reader.look_ups.empty() ||
+        reading.reader.look_ups.front().joined_by == nullptr)
+        return nullptr;
+    const keyed_select &joined = reading.reader.look_ups.front();
+    return make_own_table(reading.source, joined.table).isEmpty() ? &joined : nullptr;
+}
+
+QString with_joined_row(const QString &select, const keyed_select &joined)
+{
+    const QString key = QString::fromUtf8(joined.table.key);
+    QString columns;
+    const QByteArray names = QByteArray(joined.table.columns) + ',' + joined.table.key;
+    for (const QByteArray &column : names.split(','))
+        columns += u"joined."_s + QString::fromUtf8(column.trimmed()) + u", ";
+    return u"select "_s + columns + u"main_rows.* from (" + select +
+           u") as main_rows left join temp." + QString::fromUtf8(joined.table.name) +
+           u" as joined on joined." + key + u" = main_rows." + QString::fromUtf8(joined.joined_by);
+}
+
+/// Reads by one way; unknown_schema when its SELECT fails, which is logged.
+file_result read_by(const source_reading &way, const keyed_select *joined,
+                    const file_reading &reading, result_writer &writer)
+{
+    const QString text = QString::fromUtf8(way.select);
+    const QString scan = as_scan(reading, text);
+    qint64 taken = 0;
+    if (joined != nullptr) {
+        main_select select{text, {reading.source, with_joined_row(scan, *joined)}};
+        select.joined_columns = 2 + static_cast<int>(QByteArray(joined->table.columns).count(','));
+        if (select.rows.execute()) {
+            const file_result result =
+                write_rows(reading, select, writer.begin_file(way.insert, reading.file), taken);
+            if (result != file_result::repeats_too_much)
+                return result;
+        }
+    }
+    main_select select{
+        text,
+        {reading.source, taken == 0 ? scan : scan + u" limit -1 offset " + QString::number(taken)}};
+    if (!select.rows.execute()) {
+        if (reading.run.cancelled())
+            return file_result::cancelled;
+        reading.failures.log(way.select_failed, select.rows.error_text(), text);
+        return file_result::unknown_schema;
+    }
+    return write_rows(reading, select,
+                      taken == 0 ? writer.begin_file(way.insert, reading.file)
+                                 : writer.same_file(way.insert),
+                      taken);
+}
+
+file_result read_file(const file_reading &reading, result_writer &writer)
+{
+    const database_reader &reader = reading.reader;
+    const keyed_select *joined = make_own_tables(reading);
     reading.source.begin_reading();
     std::size_t first = 0;
     std::size_t end = reader.readings.size();
@@ -151,19 +242,11 @@ file_result read_file(const file_reading &reading, result_writer &writer)
         first = reader.choose_reading(reading.source.database(), reading.signature());
         end = first + 1;
     }
-    for (std::size_t number = first; number < end; ++number) {
-        const source_reading &way = reader.readings.at(number);
-        const QString select = QString::fromUtf8(way.select);
-        guarded_query rows(reading.source, as_scan(reading, select));
-        if (!rows.execute()) {
-            if (reading.run.cancelled())
-                return file_result::cancelled;
-            reading.failures.log(way.select_failed, rows.error_text(), select);
-            continue;
-        }
-        return write_rows(reading, rows, writer.begin_file(way.insert, reading.file));
-    }
-    return file_result::unknown_schema;
+    file_result result = file_result::unknown_schema;
+    for (std::size_t number = first; number < end && result == file_result::unknown_schema;
+         ++number)
+        result = read_by(reader.readings.at(number), joined, reading, writer);
+    return result;
 }
 
 /// Makes the private copy, opens it and reads it.
@@ -249,6 +332,7 @@ int read_databases(const database_reader &reader, const QStringList &files, extr
                 result = -1;
                 break;
             case file_result::done:
+            case file_result::repeats_too_much:
                 break;
             }
         }

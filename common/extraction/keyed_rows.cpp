@@ -3,8 +3,6 @@
 #include "common/extraction/extraction_run.h"
 #include "common/values/time_values.h"
 
-#include <QFileInfo>
-
 #include <compare>
 
 using namespace Qt::StringLiterals;
@@ -16,19 +14,6 @@ namespace
 constexpr qint64 repeated_bytes_per_byte = 8;
 constexpr qint64 spare_repeated_bytes = 64 << 20;
 constexpr int most_cut_rows = 10;
-
-qint64 bytes_of(const QSqlQuery &row, int columns)
-{
-    qint64 bytes = 1;
-    for (int column = 0; column < columns; ++column) {
-        const QVariant value = row.value(column);
-        if (value.typeId() == QMetaType::QString)
-            bytes += static_cast<const QString *>(value.constData())->size();
-        else if (value.typeId() == QMetaType::QByteArray)
-            bytes += static_cast<const QByteArray *>(value.constData())->size();
-    }
-    return bytes;
-}
 
 /// As SQLite orders them: before all numbers NULL, behind them everything else.
 std::partial_ordering order_of(const QVariant &value, qint64 key)
@@ -43,12 +28,29 @@ std::partial_ordering order_of(const QVariant &value, qint64 key)
 
 } // namespace
 
+qint64 keyed_rows::repeatable_bytes(qint64 file_size)
+{
+    return spare_repeated_bytes + repeated_bytes_per_byte * qMin(file_size, 1LL << 40);
+}
+
+qint64 keyed_rows::bytes_of(const QSqlQuery &row, int columns)
+{
+    qint64 bytes = 1;
+    for (int column = 0; column < columns; ++column) {
+        const QVariant value = row.value(column);
+        if (value.typeId() == QMetaType::QString)
+            bytes += static_cast<const QString *>(value.constData())->size();
+        else if (value.typeId() == QMetaType::QByteArray)
+            bytes += static_cast<const QByteArray *>(value.constData())->size();
+    }
+    return bytes;
+}
+
 keyed_rows::keyed_rows(const keyed_select &select, const QString &connection_name,
                        const QString &copy, bool sound, extraction_run &run, failure_log &failures)
     : select_(select), run_(run), failures_(failures),
       connection_(connection_name, copy, run, failures.signature()),
-      repeated_bytes_left_(spare_repeated_bytes +
-                           repeated_bytes_per_byte * qMin(QFileInfo(copy).size(), 1LL << 40)),
+      repeated_bytes_left_(repeatable_bytes(connection_.size())),
       key_column_(1 + static_cast<int>(QByteArray(select.table.columns).count(',')))
 {
     if (!is_open())
@@ -140,7 +142,7 @@ found_rows keyed_rows::look_up(const QVariant &key, const row_function &each)
     while (!run_.cancelled() && rows.next()) {
         each(rows.query());
         repeated_bytes_left_ -= bytes_of(rows.query(), key_column_);
-        if (select_.first_row_only)
+        if (select_.table.first_of_key)
             break;
         if (!cut && repeated_bytes_left_ < 0) {
             found = found_rows::cut;

@@ -34,7 +34,9 @@ struct keyed_select {
     const char *statement; ///< see key_statement
     failure_lines failed;
     own_table table; ///< its columns are the statement's
-    bool first_row_only = false;
+    /// Column of the main SELECT that holds the key, when a key has one row: one statement then
+    /// reads both.
+    const char *joined_by = nullptr;
     bool keys_ascend = false; ///< in the browser's own files, row by row of the main SELECT
 };
 
@@ -50,6 +52,10 @@ public:
     /// Opens the copy under the name. One that is not sound is not walked over.
     keyed_rows(const keyed_select &select, const QString &connection_name, const QString &copy,
                bool sound, extraction_run &run, failure_log &failures);
+
+    /// Bytes that look-ups may find again and again in a file of this size.
+    static qint64 repeatable_bytes(qint64 file_size);
+    static qint64 bytes_of(const QSqlQuery &row, int columns);
 
     bool is_open() const { return connection_.is_open(); }
     QString error_text() const { return connection_.error_text(); }

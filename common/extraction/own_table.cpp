@@ -25,7 +25,7 @@ public:
         : connection_(connection), name_(name),
           rows_(connection, u"select rowid, "_s + columns + u" from main." + name_ +
                                 u" not indexed where rowid >= ? order by rowid"_s),
-          insert_(connection, u"insert into temp."_s + name_ + u" values(?" +
+          insert_(connection, u"insert or ignore into temp."_s + name_ + u" values(?" +
                                   u",?"_s.repeated(columns.count(u',')) + u')'),
           columns_(static_cast<int>(columns.count(u',')) + 1)
     {
@@ -133,8 +133,9 @@ QString create(guarded_connection &connection, const own_table &table)
         QStringList statements = {u"create temp table "_s + name + u'(' + key + u' ' + type +
                                   order + u", " + others + u')'};
         if (table.indexed)
-            statements.append(u"create index temp.own_"_s + name + u" on " + name + u'(' + key +
-                              order + u')');
+            statements.append((table.first_of_key ? u"create unique"_s : u"create"_s) +
+                              u" index temp.own_" + name + u" on " + name + u'(' + key + order +
+                              u')');
         for (const QString &statement : std::as_const(statements)) {
             if (!guarded_query(connection, statement).execute())
                 return {};
@@ -184,7 +185,8 @@ QString make_own_table(guarded_connection &connection, const own_table &table)
     if (columns.isEmpty())
         return {};
     const QString name = QString::fromUtf8(table.name);
-    QString fill = u"insert into temp."_s + name + u' ' + scan_of(connection, name, columns);
+    QString fill =
+        u"insert or ignore into temp."_s + name + u' ' + scan_of(connection, name, columns);
     if (table.filter)
         fill += u" where "_s + QString::fromUtf8(table.filter);
     guarded_query all(connection, fill);

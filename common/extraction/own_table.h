@@ -18,6 +18,7 @@ struct own_table {
         nullptr; ///< column that orders the rows of one key; else they stay in order
     const char *filter = nullptr; ///< condition for rows that are needed
     bool indexed = true;
+    bool first_of_key = false; ///< leaves out further rows of one key
 };
 
 /// Makes the copy, outside of a transaction: within one, SQLite refuses all writing once it has met

@@ -16,10 +16,31 @@ namespace
 /// The driver's native code for "somebody else holds the database".
 constexpr QLatin1StringView database_is_locked = "5"_L1;
 
+/// The INSERT as it is run: texts come as UTF-8, which the driver has only bytes for.
+QString with_casts(const insertion &statement)
+{
+    const QString sql = QString::fromUtf8(statement.sql);
+    const QStringList parts = sql.split(u'?');
+    QString executed = parts.first();
+    for (qsizetype place = 1; const value_rule &rule : statement.values)
+        executed += (rule.is_text ? u"cast(? as text)"_s : u"?"_s) + parts.value(place++);
+    return executed;
+}
+
 /// The error text; empty when the INSERT fits the result table.
 QString prepare(QSqlQuery &query, const insertion &statement)
 {
-    return query.prepare(QString::fromUtf8(statement.sql)) ? QString() : query.lastError().text();
+    return query.prepare(with_casts(statement)) ? QString() : query.lastError().text();
+}
+
+QVariant in_utf8(const QVariant &value)
+{
+    if (value.typeId() != QMetaType::QString)
+        return value;
+    const QString &text = *static_cast<const QString *>(value.constData());
+    if (text.isNull())
+        return {};
+    return text.isEmpty() ? QByteArray("", 0) : text.toUtf8();
 }
 
 } // namespace
@@ -35,8 +56,10 @@ row_insertion::row_insertion(QSqlQuery &query, const insertion &statement, const
 void row_insertion::begin_file(const source_file &file)
 {
     for (int position = 0; const value_rule &rule : statement_.values) {
-        if (rule.of_file)
-            bound_.replace(position, rule.of_file(run_, file));
+        if (rule.of_file) {
+            const QVariant value = rule.of_file(run_, file);
+            bound_.replace(position, rule.is_text ? in_utf8(value) : value);
+        }
         ++position;
     }
     const QFileInfo info(file.path);
@@ -49,8 +72,10 @@ void row_insertion::bind(source_row &row)
     const bool had_cut = allowance_.has_cut();
     allowance_.begin_row();
     for (int position = 0; const value_rule &rule : statement_.values) {
-        if (rule.of_row)
-            bound_.replace(position, allowance_.admit(rule.of_row(row, rule.column)));
+        if (rule.of_row) {
+            const QVariant value = allowance_.admit(rule.of_row(row, rule.column));
+            bound_.replace(position, rule.is_text ? in_utf8(value) : value);
+        }
         ++position;
     }
     if (allowance_.has_cut() && !had_cut)
@@ -86,13 +111,13 @@ void row_insertion::log_failure_of(const source_row &row, const QString &error) 
 {
     run_.count_lost(1);
     if (run_.failures != nullptr)
-        run_.failures->log(insert_failed_, error, query_.lastQuery(), signature_);
+        run_.failures->log(insert_failed_, error, QString::fromUtf8(statement_.sql), signature_);
     else
         log_failure(insert_failed_, signature_,
                     {.path = row.file().path,
                      .system_user = row.file().system_user,
                      .error = error,
-                     .query = query_.lastQuery()});
+                     .query = QString::fromUtf8(statement_.sql)});
 }
 
 struct result_writer::prepared_insertion {
@@ -132,7 +157,7 @@ result_writer::~result_writer()
     run_.count_lost(run_.records() - records_before_);
 }
 
-row_insertion &result_writer::begin_file(const insertion &statement, const source_file &file)
+row_insertion &result_writer::same_file(const insertion &statement)
 {
     auto known = std::ranges::find_if(
         insertions_, [&](const auto &entry) { return &entry->rows.statement() == &statement; });
@@ -140,7 +165,5 @@ row_insertion &result_writer::begin_file(const insertion &statement, const sourc
         known = insertions_.insert(
             known, std::make_unique<prepared_insertion>(connection_.database(), statement,
                                                         signature_, insert_failed_, run_));
-    row_insertion &rows = (*known)->rows;
-    rows.begin_file(file);
-    return rows;
+    return (*known)->rows;
 }

@@ -67,7 +67,14 @@ public:
     bool is_open() const { return connection_.is_open(); }
 
     /// The INSERT for the rows of the file, which both must outlive the writer.
-    row_insertion &begin_file(const insertion &statement, const source_file &file);
+    row_insertion &begin_file(const insertion &statement, const source_file &file)
+    {
+        row_insertion &rows = same_file(statement);
+        rows.begin_file(file);
+        return rows;
+    }
+    /// The same for further rows of a file that was begun.
+    row_insertion &same_file(const insertion &statement);
 
 private:
     struct prepared_insertion;

@@ -13,37 +13,43 @@ found_rows source_row::look_up(int, const QVariant &,
 }
 
 constinit const value_rule untagged = {
-    .of_file = [](const extraction_run &, const source_file &) -> QVariant { return u"0"_s; }};
+    .of_file = [](const extraction_run &, const source_file &) -> QVariant { return u"0"_s; },
+    .is_text = true};
 constinit const value_rule untagged_number = {
     .of_file = [](const extraction_run &, const source_file &) -> QVariant { return 0; }};
 constinit const value_rule system_user = {
     .of_file = [](const extraction_run &, const source_file &file) -> QVariant {
         return file.system_user;
-    }};
+    },
+    .is_text = true};
 constinit const value_rule domain_user = {
     .of_file = [](const extraction_run &, const source_file &file) -> QVariant {
         return file.domain_user;
-    }};
+    },
+    .is_text = true};
 constinit const value_rule source_file_path = {
     .of_file = [](const extraction_run &, const source_file &file) -> QVariant {
         return file.stored_path;
-    }};
+    },
+    .is_text = true};
 constinit const value_rule relation_source_file = {
     .of_file = [](const extraction_run &, const source_file &file) -> QVariant {
         return file.relation_path;
-    }};
+    },
+    .is_text = true};
 constinit const value_rule os_scheme_display = {
     .of_file = [](const extraction_run &run, const source_file &) -> QVariant {
         return run.os_scheme_display;
-    }};
+    },
+    .is_text = true};
 constinit const value_rule source_count_name = {
     .of_file = [](const extraction_run &, const source_file &) -> QVariant {
         return numbered_source_name();
-    }};
+    },
+    .is_text = true};
 constinit const value_rule empty_value = {
-    .of_file = [](const extraction_run &, const source_file &) -> QVariant {
-        return empty_text();
-    }};
+    .of_file = [](const extraction_run &, const source_file &) -> QVariant { return empty_text(); },
+    .is_text = true};
 
 namespace
 {
@@ -138,4 +144,10 @@ value_rule derived(int index)
 value_rule from_row(QVariant (*function)(source_row &, int), int column)
 {
     return {.of_row = function, .column = column};
+}
+
+value_rule text_of(value_rule rule)
+{
+    rule.is_text = true;
+    return rule;
 }

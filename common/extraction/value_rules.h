@@ -73,6 +73,7 @@ struct value_rule {
     QVariant (*of_file)(const extraction_run &, const source_file &) = nullptr;
     QVariant (*of_row)(source_row &, int column) = nullptr;
     int column = -1;
+    bool is_text = false; ///< never bytes: SQLite is spared the conversion to UTF-8
 };
 
 // ---- Values that all rows of a file share -------------------------------------------------------
@@ -108,5 +109,7 @@ value_rule yes_when_trimmed_one(int column);
 value_rule percent_decoded(int column);
 /// One of the values the reader put into source_row::derived.
 value_rule derived(int index);
+/// The same value, of a rule that gives no bytes.
+value_rule text_of(value_rule rule);
 /// A value that needs more than one column.
 value_rule from_row(QVariant (*function)(source_row &, int column), int column = -1);
