@@ -1,13 +1,13 @@
 // Cached files: every file of the cache folders but the cache's own bookkeeping.
 
 #include "common/evidence/evidence_file.h"
+#include "common/evidence/native_path.h"
 #include "common/evidence/sorted_walk.h"
 #include "common/extraction/record_reader.h"
 #include "common/plugin_static_function.h"
 #include "common/values/text_values.h"
 #include "macos/opera_macos.h"
 
-#include <QFileInfo>
 #include <QMimeDatabase>
 
 using namespace Qt::StringLiterals;
@@ -93,7 +93,7 @@ bool opera_macos::read_cache_folder(record_sink &sink)
             {file_name,
              inside,
              not_null(type.preferredSuffix()),
-             common::mining_size(path),
+             QString::number(status_of(path).size),
              file.birth_time,
              file.content_creation_date,
              file.content_modification_date,

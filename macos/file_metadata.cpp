@@ -1,13 +1,13 @@
 // What macOS keeps about a file beside its content: which attributes are asked for, and how their
 // printed values become texts. The system's own operations stand behind metadata_platform.
 
+#include "common/evidence/native_path.h"
 #include "common/metadata/metadata_platform.h"
 #include "common/metadata/printed_items.h"
 #include "common/plugin_static_function.h"
 #include "common/values/text_values.h"
 #include "macos/opera_macos.h"
 
-#include <QFileInfo>
 #include <QXmlStreamWriter>
 
 using namespace Qt::StringLiterals;
@@ -102,7 +102,7 @@ opera_macos::get_extended_attributes(const QList<QString> &file_paths,
     xml.writeStartElement(u"Extended_Attributes_XML_Header"_s);
     for (qsizetype i = 0; i < file_paths.size() && !state_.run.cancelled(); ++i) {
         const QString &path = file_paths.at(i);
-        if (!QFileInfo::exists(path))
+        if (!status_of(path).exists)
             continue;
         const metadata_reference item(metadata_platform::current().create_item(path));
         if (!item)
@@ -178,7 +178,7 @@ file_description opera_macos::describe_file(const QString &path) const
         get_extended_attributes({path}, {extended_attributes_});
 
     file_description file;
-    const QDateTime birth = QFileInfo(path).birthTime();
+    const QDateTime birth = status_of(path).birth;
     file.birth_time = birth.isValid() ? QString::number(birth.toSecsSinceEpoch()) : empty_text();
     file.kind = attributes.kind;
     file.content_creation_date = seconds(attributes.content_creation_date);

@@ -1,8 +1,7 @@
 #include "macos/opera_macos.h"
 
+#include "common/evidence/evidence_problems.h"
 #include "common/plugin_static_function.h"
-
-#include <QFileInfo>
 
 #include <vector>
 
@@ -146,6 +145,8 @@ void opera_macos::find_source_file()
     plugin_static_function::app_debug(u"[find_source_file] starts"_s, signature);
     const QString users = state_.run.source_root + u"Users/";
     found_ = {};
+    state_.run.folder_sizes = {};
+    forget_evidence_problems();
     for (const QString &account : std::as_const(state_.account_names)) {
         const QString home = users + account + u"/Library/";
         const QString profile = home + u"Application Support/com.operasoftware.Opera/";
@@ -153,7 +154,7 @@ void opera_macos::find_source_file()
         for (const candidate &one : candidates) {
             const QString path =
                 (one.in == folder::cache ? cache : profile) + QLatin1StringView(one.name);
-            if (!QFileInfo::exists(path))
+            if (!exists_in_evidence(path))
                 continue;
             for (const auto list : one.consumers)
                 (found_.*list).append(path);

@@ -179,6 +179,17 @@ bool evidence_file::open_whole(qint64 largest)
     return false;
 }
 
+qint64 evidence_file::stored_size() const
+{
+#ifdef Q_OS_UNIX
+    constexpr qint64 block = 512;
+    struct stat status = {};
+    if (::fstat(handle(), &status) == 0 && status.st_blocks > 0)
+        return status.st_blocks * block;
+#endif
+    return size();
+}
+
 qint64 evidence_file::readData(char *data, qint64 length)
 {
     qint64 read = 0;
@@ -229,4 +240,15 @@ bool is_inside_folder(const QString &path, const QString &folder)
         return false;
     return resolved_path == resolved_folder || resolved_folder == "/"_L1 ||
            resolved_path.startsWith(resolved_folder + u'/');
+}
+
+bool leads_anywhere(const QString &path)
+{
+#ifdef Q_OS_UNIX
+    struct stat status = {};
+    return ::stat(native_path(path).constData(), &status) == 0 ||
+           (errno != ENOENT && errno != ENOTDIR && errno != EACCES && errno != ELOOP);
+#else
+    return QFileInfo::exists(path);
+#endif
 }

@@ -22,6 +22,8 @@ public:
     /// false for a larger file. One full of holes takes no room in the evidence, and all the memory
     /// of the host.
     bool open_whole(qint64 largest = largest_bytes);
+    /// Bytes that the open file takes on its disk; its size where the system does not tell.
+    qint64 stored_size() const;
     bool atEnd() const override { return ended_ || QFile::atEnd(); }
 
     // Far more than browsers write, in bytes. Values of a JSON document take several times its
@@ -49,3 +51,6 @@ bool copy_evidence_file(const QString &source, const QString &copy,
 /// True when the path, dots and links resolved, lies below the folder (or is it). False when either
 /// does not exist.
 bool is_inside_folder(const QString &path, const QString &folder);
+
+/// False when there is nothing at the path, or nothing that a link there leads to.
+bool leads_anywhere(const QString &path);

@@ -20,3 +20,7 @@ QList<evidence_problem> evidence_problems();
 
 /// A new run begins.
 void forget_evidence_problems();
+
+/// True when the path, links followed, leads to something. What is in the way (a folder that may
+/// not be entered, a link that leads nowhere) is reported; that nothing is there is not.
+bool exists_in_evidence(const QString &path);

@@ -52,6 +52,8 @@ QByteArray native_path(const QString &shown)
     const native_place *place = current_place;
     if (place != nullptr && shown == place->shown)
         return place->native_folder + '/' + place->name;
+    if (place != nullptr && shown == place->shown_companion)
+        return place->native_folder + "/._" + place->name;
     if (place != nullptr && shown.startsWith(place->shown_folder) &&
         shown.size() > place->shown_folder.size() && shown.at(place->shown_folder.size()) == u'/')
         return place->native_folder + QFile::encodeName(shown.sliced(place->shown_folder.size()));
@@ -60,9 +62,16 @@ QByteArray native_path(const QString &shown)
 
 native_place::native_place(const QString &folder, const QByteArray &native, const QByteArray &entry)
     : shown_folder(folder), native_folder(native), name(entry),
-      shown(folder + u'/' + shown_name(entry)), before_(current_place)
+      shown(folder + u'/' + shown_name(entry)),
+      shown_companion(folder + u"/._" + shown_name(entry)), before_(current_place)
 {
     current_place = this;
+}
+
+QString resolved_path(const QString &shown)
+{
+    const bool has_place = native_path(shown) != QFile::encodeName(shown);
+    return has_place ? shown : QFileInfo(shown).canonicalFilePath();
 }
 
 native_place::~native_place()

@@ -14,8 +14,12 @@ QString shown_name(const QByteArray &name);
 /// What system calls take for a shown path.
 QByteArray native_path(const QString &shown);
 
+/// The path with its links resolved: empty when it leads nowhere, itself for a native_place.
+QString resolved_path(const QString &shown);
+
 /// While it lives, native_path() of this thread leads the shown path of a file to the file of that
-/// name in a folder, and what is shown as lying in its folder to that folder. The latest one
+/// name in a folder, that of its AppleDouble companion ("._" before the name) likewise, and what is
+/// shown as lying in its folder to that folder. The latest one
 /// counts.
 class native_place
 {
@@ -30,6 +34,7 @@ public:
     const QByteArray native_folder;
     const QByteArray name;
     const QString shown;
+    const QString shown_companion;
 
 private:
     const native_place *const before_;

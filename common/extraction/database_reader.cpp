@@ -243,7 +243,6 @@ file_result read_path(const database_reader &reader, const QString &signature, c
 
     const source_file file(path, run);
     run.look_up_budget = reading_budget(copy_size);
-    run.folder_sizes.clear();
     // The schema is made fit before the source connection reads it.
     const copy_state state =
         prepare_private_copy(copy, signature + u"_copy", reader.searched_columns);

@@ -46,7 +46,7 @@ void extraction_run::count_record()
 
 bool lies_in_source(const QString &path, const QString &signature, const extraction_run &run)
 {
-    if (is_inside_folder(path, run.source_root))
+    if (is_inside_folder(path, run.source_root) || !leads_anywhere(path))
         return true;
     plugin_static_function::app_debug(
         operation_tag(signature) + u" file does not lie in the source ---------FAILED----------" +
@@ -59,12 +59,13 @@ QString size_in_source(const QString &path, extraction_run &run)
 {
     using common = plugin_static_function;
     const QString place = QFileInfo(path).canonicalFilePath();
-    if (!QFileInfo(place).isDir())
-        return common::mining_size(place);
-    const auto known = run.folder_sizes.constFind(place);
-    return known != run.folder_sizes.cend()
-               ? *known
-               : *run.folder_sizes.insert(place, common::mining_size(place));
+    if (QFileInfo(place).isDir()) {
+        const std::optional<quint64> size = run.folder_sizes.size_of(
+            place, run.temporary_directory, [&run] { return run.cancelled(); });
+        if (size)
+            return QString::number(*size);
+    }
+    return common::mining_size(place);
 }
 
 void tidy_account_names(QStringList &names)

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "common/evidence/folder_sizes.h"
 #include "common/evidence/source_file.h"
 #include "common/extraction/reading_budget.h"
 
-#include <QHash>
 #include <QString>
 #include <QtGlobal>
 
@@ -32,10 +32,9 @@ public:
     /// An extractor with nothing to do (cancelled, or no files) ends after its start line, without
     /// opening the result database.
     bool idle_extractors_end_early = true;
-    /// Of the database that is being read: what the look-ups for its rows may still find, and the
-    /// sizes of folders that its rows named.
+    /// Of the database that is being read: what the look-ups for its rows may still find.
     reading_budget look_up_budget;
-    QHash<QString, QString> folder_sizes;
+    class folder_sizes folder_sizes; ///< of the source
 
     /// May be called from any thread.
     void set_cancelled(bool cancelled) { cancelled_ = cancelled; }
@@ -59,10 +58,11 @@ private:
     std::atomic<bool> cancelled_ = false;
 };
 
-/// False, and logged under the signature, for a path that does not exist or that links of the
-/// evidence lead out of the source: such a file is not touched.
+/// False, and logged under the signature, for a path that links of the evidence lead out of the
+/// source: such a file is not touched. True for one that is not there (any more): that its reader
+/// cannot open it says so.
 bool lies_in_source(const QString &path, const QString &signature, const extraction_run &run);
 
-/// Size of a file or folder of the source in bytes. A folder is walked once for a database, however
-/// many of its rows name it.
+/// Size of a file or folder of the source in bytes. However many rows name folders that lie in each
+/// other, each is walked about once.
 QString size_in_source(const QString &path, extraction_run &run);
