@@ -1,6 +1,7 @@
 // Downloads, from the "History" file, and what the source still holds of the downloaded files.
 
 #include "common/evidence/evidence_file.h"
+#include "common/evidence/native_path.h"
 #include "common/plugin_static_function.h"
 #include "common/values/text_values.h"
 #include "macos/macos_readers.h"
@@ -233,7 +234,7 @@ file_description opera_macos::describe_once(const QString &path, description_cac
 {
     // A path can be written in many ways. A link has a name of its own.
     const QFileInfo info(path);
-    const QString key = info.canonicalFilePath() + u'/' + info.fileName();
+    const QString key = canonical_path(path) + u'/' + info.fileName();
     if (const file_description *described = known.object(key))
         return *described;
     const file_description file = describe_file(path);

@@ -232,10 +232,10 @@ bool copy_evidence_file(const QString &source, const QString &copy,
 bool is_inside_folder(const QString &path, const QString &folder)
 {
     // The canonical path of links that form a circle is the path itself, unresolved.
-    if (!QFileInfo::exists(path))
+    if (!status_of(path).exists)
         return false;
-    const QString resolved_path = QFileInfo(path).canonicalFilePath();
-    const QString resolved_folder = QFileInfo(folder).canonicalFilePath();
+    const QString resolved_path = canonical_path(path);
+    const QString resolved_folder = canonical_path(folder);
     if (resolved_path.isEmpty() || resolved_folder.isEmpty())
         return false;
     return resolved_path == resolved_folder || resolved_folder == "/"_L1 ||

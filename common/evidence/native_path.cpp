@@ -8,8 +8,12 @@
 #include <cstring>
 
 #ifdef Q_OS_LINUX
+#include <array>
+#include <climits>
 #include <fcntl.h>
+#include <string>
 #include <sys/stat.h>
+#include <unistd.h>
 #endif
 
 using namespace Qt::StringLiterals;
@@ -68,10 +72,34 @@ native_place::native_place(const QString &folder, const QByteArray &native, cons
     current_place = this;
 }
 
+QString canonical_path(const QString &shown)
+{
+    const QByteArray native = native_path(shown);
+#ifdef Q_OS_LINUX
+    const int descriptor = ::open(native.constData(), O_PATH | O_CLOEXEC);
+    if (descriptor < 0)
+        return {};
+    std::array<char, PATH_MAX> target;
+    const ssize_t length = ::readlink(("/proc/self/fd/" + std::to_string(descriptor)).c_str(),
+                                      target.data(), target.size() - 1);
+    target[static_cast<std::size_t>(std::max<ssize_t>(length, 0))] = '\0';
+    // The system's answer may be of a file that is removed, or of a place outside of this root.
+    struct stat meant = {};
+    struct stat found = {};
+    const bool same = length > 0 && target.front() == '/' && ::fstat(descriptor, &meant) == 0 &&
+                      ::lstat(target.data(), &found) == 0 && meant.st_dev == found.st_dev &&
+                      meant.st_ino == found.st_ino;
+    ::close(descriptor);
+    if (same)
+        return QFile::decodeName(target.data());
+#endif
+    return native == QFile::encodeName(shown) ? QFileInfo(shown).canonicalFilePath() : QString();
+}
+
 QString resolved_path(const QString &shown)
 {
     const bool has_place = native_path(shown) != QFile::encodeName(shown);
-    return has_place ? shown : QFileInfo(shown).canonicalFilePath();
+    return has_place ? shown : canonical_path(shown);
 }
 
 native_place::~native_place()

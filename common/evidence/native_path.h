@@ -14,6 +14,10 @@ QString shown_name(const QByteArray &name);
 /// What system calls take for a shown path.
 QByteArray native_path(const QString &shown);
 
+/// The path with dots and links resolved, in one step of the system where it offers that: asking
+/// for each part by itself takes the square of a path's depth. Empty when it leads nowhere.
+QString canonical_path(const QString &shown);
+
 /// The path with its links resolved: empty when it leads nowhere, itself for a native_place.
 QString resolved_path(const QString &shown);
 

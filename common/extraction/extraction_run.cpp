@@ -3,6 +3,7 @@
 #include "common/extraction/extractor_state.h"
 
 #include "common/evidence/evidence_file.h"
+#include "common/evidence/native_path.h"
 #include "common/extraction/failure_log.h"
 #include "common/plugin_static_function.h"
 
@@ -58,7 +59,7 @@ bool lies_in_source(const QString &path, const QString &signature, const extract
 QString size_in_source(const QString &path, extraction_run &run)
 {
     using common = plugin_static_function;
-    const QString place = QFileInfo(path).canonicalFilePath();
+    const QString place = canonical_path(path);
     if (QFileInfo(place).isDir()) {
         const std::optional<quint64> size = run.folder_sizes.size_of(
             place, run.temporary_directory, [&run] { return run.cancelled(); });

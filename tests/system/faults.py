@@ -10,6 +10,7 @@ import socket
 import sqlite3
 
 import evidence
+import obstacles
 import read_faults
 import result_faults
 
@@ -252,6 +253,7 @@ def main():
             damage_source(test, system, generation)
             print(f"{system} {generation}: {test.counts}", flush=True)
         result_faults.check_all(test, system)
+        obstacles.check_all(test, system)
     test.finish()
 
 
