@@ -1,5 +1,5 @@
 #include "common/debug_log.h"
-#include "common/extraction/named_connection.h"
+#include "common/named_connection.h"
 #include "common/plugin_static_function.h"
 
 #include <QtSql/QSqlError>

@@ -32,6 +32,23 @@ QString qualified_name(const QString &function_info)
     return name.trimmed();
 }
 
+/// Names of the evidence may hold line breaks: none may look like a line of the log.
+QString one_line(const QString &message)
+{
+    QString line;
+    line.reserve(message.size());
+    for (const QChar c : message) {
+        const bool breaks = (c.category() == QChar::Other_Control && c != u'\t') ||
+                            c.category() == QChar::Separator_Line ||
+                            c.category() == QChar::Separator_Paragraph;
+        if (breaks)
+            line += u"\\u" + QString::number(c.unicode(), 16).rightJustified(4, u'0');
+        else
+            line += c;
+    }
+    return line;
+}
+
 QString engine_part(int engine_type)
 {
     switch (engine_type) {
@@ -56,7 +73,7 @@ void debug_log(const QString &message, const QString &function_info)
 
     const QString line = u'[' + QDateTime::currentDateTime().toString(u"yyyy-MMM-ddThh-mm-ss"_s) +
                          engine_part(settings::type_engine_int) + u"][Artifacts Extraction][" +
-                         qualified_name(function_info) + u"]:-- " + message;
+                         qualified_name(function_info) + u"]:-- " + one_line(message);
 
     if (settings::debug_print_on_terminal_bool)
         qDebug().noquote() << line;

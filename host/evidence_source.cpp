@@ -36,6 +36,16 @@ std::filesystem::path resolved(std::filesystem::path path)
     return path;
 }
 
+QString users_of(const QString &source)
+{
+    return source + u"/Users";
+}
+
+bool users_lead_out(const QString &source)
+{
+    return QFileInfo(users_of(source)).isSymLink() && !lies_within(users_of(source), source);
+}
+
 } // namespace
 
 QString source_problem(const QString &source)
@@ -56,8 +66,10 @@ accounts_of_source(const QString &source)
     static const QStringList nobodys = {u"Shared"_s,       u"Public"_s,    u"Default"_s,
                                         u"Default User"_s, u"All Users"_s, u"Guest"_s};
     QList<struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_system_account> accounts;
+    if (users_lead_out(source))
+        return {};
     const QStringList names =
-        QDir(source + u"/Users")
+        QDir(users_of(source))
             .entryList(QDir::Dirs | QDir::NoDotAndDotDot | QDir::NoSymLinks, QDir::Name);
     for (const QString &name : names) {
         if (!name.startsWith(u'.') && !nobodys.contains(name))
@@ -70,8 +82,10 @@ QStringList
 notes_on_accounts(const QString &source,
                   const QList<struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_system_account> &accounts)
 {
-    const QString users = source + u"/Users";
+    const QString users = users_of(source);
     QStringList notes;
+    if (users_lead_out(source))
+        notes.append(u"not followed, as it leads out of the source: "_s + users);
     if (accounts.isEmpty())
         notes.append(u"no account has a folder under "_s + users);
     for (const auto &account : accounts) {
@@ -87,6 +101,9 @@ notes_on_accounts(const QString &source,
             notes.append(u"not read, as its name is no text: "_s + users + u'/' +
                          QString::fromLatin1(name.toPercentEncoding(" ")));
     }
+    if (error && error != std::errc::no_such_file_or_directory)
+        notes.append(u"accounts may be missing, as the folder cannot be listed: "_s + users +
+                     u": " + QString::fromLocal8Bit(error.message().c_str()));
 #endif
     return notes;
 }

@@ -3,12 +3,12 @@
 #include "common/debug_log.h"
 #include "common/evidence/evidence_file.h"
 #include "common/evidence/file_paths.h"
+#include "common/evidence/native_path.h"
 #include "common/evidence/sorted_walk.h"
 #include "common/extraction/record_reader.h"
 #include "common/values/text_values.h"
 #include "macos/opera_macos.h"
 
-#include <QFileInfo>
 #include <QMimeDatabase>
 
 using namespace Qt::StringLiterals;
@@ -93,7 +93,7 @@ bool opera_macos::read_cache_folder(record_sink &sink)
             {file_name,
              inside,
              not_null(type.preferredSuffix()),
-             size_in_bytes(path),
+             QString::number(status_of(path).size),
              file.birth_time,
              file.content_creation_date,
              file.content_modification_date,

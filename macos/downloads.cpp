@@ -2,6 +2,7 @@
 
 #include "common/evidence/evidence_file.h"
 #include "common/evidence/file_paths.h"
+#include "common/evidence/native_path.h"
 #include "common/values/text_values.h"
 #include "common/values/time_values.h"
 #include "macos/macos_readers.h"
@@ -245,7 +246,7 @@ file_description opera_macos::describe_once(const QString &path, description_cac
 {
     // A path can be written in many ways. A link has a name of its own.
     const QFileInfo info(path);
-    const QString key = info.canonicalFilePath() + u'/' + info.fileName();
+    const QString key = canonical_path(path) + u'/' + info.fileName();
     if (const file_description *described = known.object(key))
         return *described;
     const file_description file = describe_file(path);

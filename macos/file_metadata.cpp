@@ -1,12 +1,12 @@
 // What macOS keeps about a file beside its content: which attributes are asked for, and how their
 // printed values become texts. The system's own operations stand behind metadata_platform.
 
+#include "common/evidence/native_path.h"
 #include "common/metadata/metadata_item.h"
 #include "common/metadata/printed_items.h"
 #include "common/values/text_values.h"
 #include "macos/opera_macos.h"
 
-#include <QFileInfo>
 #include <QXmlStreamWriter>
 
 using namespace Qt::StringLiterals;
@@ -158,7 +158,7 @@ opera_macos::get_extended_attributes(const QList<QString> &file_paths,
     attribute_document document;
     for (qsizetype i = 0; i < file_paths.size() && !state_.run.cancelled(); ++i) {
         const QString &path = file_paths.at(i);
-        if (QFileInfo::exists(path))
+        if (status_of(path).exists)
             document.add_file(path_inside_source(path, state_.run), metadata_item(path),
                               attributes.value(std::min(i, attributes.size() - 1)));
     }
@@ -194,12 +194,12 @@ file_description opera_macos::describe_file(const QString &path) const
     for (const QString &date : used.used_dates.split(u';', Qt::SkipEmptyParts))
         used_seconds.append(seconds(date));
     attribute_document document;
-    if (!state_.run.cancelled() && QFileInfo::exists(path))
+    if (!state_.run.cancelled() && status_of(path).exists)
         document.add_file(path_inside_source(path, state_.run), item, extended_attributes_);
     const struct_extended_attributes extended = document.finished();
 
     file_description file;
-    const QDateTime birth = QFileInfo(path).birthTime();
+    const QDateTime birth = status_of(path).birth;
     file.birth_time = birth.isValid() ? QString::number(birth.toSecsSinceEpoch()) : empty_text();
     file.kind = attributes.kind;
     file.content_creation_date = seconds(attributes.content_creation_date);

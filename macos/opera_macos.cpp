@@ -1,8 +1,7 @@
 #include "macos/opera_macos.h"
 
 #include "common/debug_log.h"
-
-#include <QFileInfo>
+#include "common/evidence/evidence_problems.h"
 
 #include <vector>
 
@@ -74,6 +73,8 @@ void opera_macos::find_source_file()
     debug_log(u"[find_source_file] starts"_s, signature);
     const QString users = state_.run.source_root + u"Users/";
     found_ = {};
+    state_.run.folder_sizes = {};
+    forget_evidence_problems();
     for (const QString &account : std::as_const(state_.account_names)) {
         const QString home = users + account + u"/Library/";
         const QString profile = home + u"Application Support/com.operasoftware.Opera/";
@@ -81,7 +82,7 @@ void opera_macos::find_source_file()
         for (const candidate &one : candidates) {
             const QString path =
                 (one.in == folder::cache ? cache : profile) + QLatin1StringView(one.name);
-            if (!QFileInfo::exists(path))
+            if (!exists_in_evidence(path))
                 continue;
             for (const auto list : one.consumers)
                 (found_.*list).append(path);

@@ -1,7 +1,7 @@
 // Where the results of a run lie, and the result tables.
 
 #include "common/debug_log.h"
-#include "common/extraction/named_connection.h"
+#include "common/named_connection.h"
 #include "common/plugin_helper_functions.h"
 #include "common/plugin_static_function.h"
 #include "common/result_schema.h"

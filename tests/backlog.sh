@@ -15,7 +15,7 @@ done
 
 run() { # run FOLDER JOBS
     mkdir -p "$work/$1"
-    parallel --will-cite --jobs "$2" --halt now,fail=1 \
+    parallel --will-cite --quote --jobs "$2" --halt now,fail=1 \
         "$programs/opera_extract" --source "$work/source{}" --os macOS --table history \
         --result "$work/$1/{}" --quiet ::: 1 2 3 4
 }

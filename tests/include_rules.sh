@@ -4,13 +4,13 @@
 set -euo pipefail
 cd "$1"
 
-state='common/debug_log.h common/run_state.h common/host_records.h'
+state='common/debug_log.h common/named_connection.h common/run_state.h common/host_records.h'
 lower="$state common/values common/evidence"
 
 # folder: the project folders and files it may include besides itself
 rules="common:
 common/values:
-common/evidence: $state common/values common/extraction/named_connection.h
+common/evidence: $state common/values
 common/metadata: $lower
 common/extraction: $lower common/plugin_helper_functions.h
 common/artefacts: $lower common/extraction

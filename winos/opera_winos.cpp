@@ -1,9 +1,9 @@
 #include "winos/opera_winos.h"
 
 #include "common/debug_log.h"
-#include "common/extraction/named_connection.h"
+#include "common/evidence/evidence_problems.h"
+#include "common/named_connection.h"
 
-#include <QFileInfo>
 #include <QtSql/QSqlQuery>
 
 using namespace Qt::StringLiterals;
@@ -64,12 +64,14 @@ void opera_winos::find_source_file()
     const QString signature = u"void opera_winos::find_source_file()"_s;
     debug_log(u"[find_source_file] -Starts"_s, signature);
     found_ = {};
+    state_.run.folder_sizes = {};
+    forget_evidence_problems();
     for (const QString &account : std::as_const(state_.account_names)) {
         const QString profile = state_.run.source_root + u"Users/" + account +
                                 u"/AppData/Roaming/Opera Software/Opera Stable/";
         for (const candidate &one : candidates) {
             const QString path = profile + QLatin1StringView(one.name);
-            if (!QFileInfo::exists(path))
+            if (!exists_in_evidence(path))
                 continue;
             (found_.*one.consumer).append(path);
             debug_log(QLatin1StringView(one.found) + path, signature);

@@ -1,15 +1,18 @@
 #include "common/evidence/evidence_file.h"
 
+#include "common/evidence/evidence_problems.h"
+#include "common/evidence/native_path.h"
+
 #include <QFileInfo>
 
 #include <algorithm>
 #include <array>
 #include <filesystem>
+#include <span>
 #include <system_error>
 
 #ifdef Q_OS_UNIX
 #include <cerrno>
-#include <cstring>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -83,20 +86,49 @@ bool copy_inside_kernel(const QFile &, QFile &)
 
 #endif
 
-bool copy_by_reading(QFile &source, QFile &copy)
+/// Bytes that were read; 0 at the end, -1 on a read error.
+qint64 read_at(QFile &file, qint64 place, std::span<char> buffer)
 {
-    if (!source.seek(0) || !copy.resize(0) || !copy.seek(0))
-        return false;
+#ifdef Q_OS_UNIX
+    ssize_t got = 0;
+    do {
+        got = ::pread(file.handle(), buffer.data(), buffer.size(), place);
+    } while (got < 0 && errno == EINTR);
+    return got;
+#else
+    return file.seek(place) ? file.read(buffer.data(), static_cast<qint64>(buffer.size())) : -1;
+#endif
+}
+
+bool copy_by_reading(evidence_file &source, QFile &copy)
+{
+    constexpr qint64 block = 4096;
+    // Each may keep a broken disk busy for seconds.
+    constexpr qint64 most_failures = 1000;
     std::array<char, 262'144> buffer;
-    for (;;) {
-        const qint64 got = source.read(buffer.data(), buffer.size());
-        if (got <= 0)
-            return got == 0 && copy.flush() && copy.resize(copy.pos());
+    qint64 failures = 0;
+    qint64 place = 0;
+    if (!copy.resize(0))
+        return false;
+    while (failures <= most_failures) {
+        const qint64 got = read_at(source, place, buffer);
+        if (got == 0 || (got < 0 && place >= source.size()))
+            break;
+        if (got < 0) {
+            if (++failures == 1)
+                report_evidence_problem(
+                    source.path(),
+                    u"read error at byte %1; the copy has a hole there"_s.arg(place));
+            place += block - place % block;
+            continue;
+        }
         const bool zeros =
             std::all_of(buffer.begin(), buffer.begin() + got, [](char byte) { return byte == 0; });
-        if (zeros ? !copy.seek(copy.pos() + got) : copy.write(buffer.data(), got) != got)
+        if (!zeros && (!copy.seek(place) || copy.write(buffer.data(), got) != got))
             return false;
+        place += got;
     }
+    return copy.flush() && copy.resize(failures == 0 ? place : source.size());
 }
 
 /// A file full of holes may have any size. Where the room is not known, the copy is tried.
@@ -113,10 +145,10 @@ bool fits_beside(qint64 size, const QFile &copy)
 bool evidence_file::open_for_reading(links last_component)
 {
 #ifdef Q_OS_UNIX
-    const int descriptor = open_read_only(QFile::encodeName(fileName()),
-                                          last_component == links::refused ? O_NOFOLLOW : 0);
+    const int descriptor =
+        open_read_only(native_path(path_), last_component == links::refused ? O_NOFOLLOW : 0);
     if (descriptor < 0) {
-        setErrorString(QString::fromLocal8Bit(std::strerror(errno)));
+        setErrorString(error_text_of(errno));
         return false;
     }
     struct stat status = {};
@@ -147,6 +179,39 @@ bool evidence_file::open_whole(qint64 largest)
     return false;
 }
 
+qint64 evidence_file::stored_size() const
+{
+#ifdef Q_OS_UNIX
+    constexpr qint64 block = 512;
+    struct stat status = {};
+    if (::fstat(handle(), &status) == 0 && status.st_blocks > 0)
+        return status.st_blocks * block;
+#endif
+    return size();
+}
+
+qint64 evidence_file::readData(char *data, qint64 length)
+{
+    qint64 read = 0;
+    ended_ = failed_;
+    while (read < length && !failed_) {
+        const qint64 got = QFile::readData(data + read, length - read);
+        if (got == 0)
+            break;
+        failed_ = got < 0;
+        if (failed_)
+            report_evidence_problem(path_, errorString() + u"; the rest is not read");
+        else
+            read += got;
+    }
+    return failed_ && read == 0 ? -1 : read;
+}
+
+qint64 evidence_file::readLineData(char *data, qint64 length)
+{
+    return QIODevice::readLineData(data, length); // which goes through readData()
+}
+
 bool copy_evidence_file(const QString &source, const QString &copy,
                         evidence_file::links last_component)
 {
@@ -167,12 +232,23 @@ bool copy_evidence_file(const QString &source, const QString &copy,
 bool is_inside_folder(const QString &path, const QString &folder)
 {
     // The canonical path of links that form a circle is the path itself, unresolved.
-    if (!QFileInfo::exists(path))
+    if (!status_of(path).exists)
         return false;
-    const QString resolved_path = QFileInfo(path).canonicalFilePath();
-    const QString resolved_folder = QFileInfo(folder).canonicalFilePath();
+    const QString resolved_path = canonical_path(path);
+    const QString resolved_folder = canonical_path(folder);
     if (resolved_path.isEmpty() || resolved_folder.isEmpty())
         return false;
     return resolved_path == resolved_folder || resolved_folder == "/"_L1 ||
            resolved_path.startsWith(resolved_folder + u'/');
+}
+
+bool leads_anywhere(const QString &path)
+{
+#ifdef Q_OS_UNIX
+    struct stat status = {};
+    return ::stat(native_path(path).constData(), &status) == 0 ||
+           (errno != ENOENT && errno != ENOTDIR && errno != EACCES && errno != ELOOP);
+#else
+    return QFileInfo::exists(path);
+#endif
 }

@@ -1,6 +1,22 @@
 #include "common/evidence/sorted_walk.h"
 
-#include "common/extraction/named_connection.h"
+#include "common/evidence/folder_walk.h"
+
+#ifdef Q_OS_UNIX
+
+bool for_each_file(const QString &folder, const QString &temporary_directory,
+                   const std::function<bool()> &cancelled,
+                   const std::function<bool(const QString &path)> &each)
+{
+    return walk_folder(folder, temporary_directory, cancelled,
+                       {.entry = [&each](const native_place &place, const struct stat &entry) {
+                           return !S_ISREG(entry.st_mode) || each(place.shown);
+                       }});
+}
+
+#else
+
+#include "common/named_connection.h"
 
 #include <QDirIterator>
 #include <QFile>
@@ -59,3 +75,5 @@ bool for_each_file(const QString &folder, const QString &temporary_directory,
     QFile::remove(scratch_path);
     return complete;
 }
+
+#endif

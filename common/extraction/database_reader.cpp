@@ -263,7 +263,6 @@ file_result read_path(const database_reader &reader, const QString &signature, c
     const source_file file(path, run);
     failure_log failures(signature, file.path, file.system_user);
     const QScopedValueRollback current_failures(run.failures, &failures);
-    run.folder_sizes.clear();
     guarded_connection source(reader.source_connection ? QString::fromUtf8(reader.source_connection)
                                                        : signature + u'1',
                               copy, run, signature);

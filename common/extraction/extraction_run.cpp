@@ -5,6 +5,7 @@
 #include "common/debug_log.h"
 #include "common/evidence/evidence_file.h"
 #include "common/evidence/file_paths.h"
+#include "common/evidence/native_path.h"
 #include "common/extraction/failure_log.h"
 
 #include <QFileInfo>
@@ -47,7 +48,7 @@ void extraction_run::count_record()
 
 bool lies_in_source(const QString &path, const QString &signature, const extraction_run &run)
 {
-    if (is_inside_folder(path, run.source_root))
+    if (is_inside_folder(path, run.source_root) || !leads_anywhere(path))
         return true;
     debug_log(operation_tag(signature) +
                   u" file does not lie in the source ---------FAILED----------" + path,
@@ -57,12 +58,14 @@ bool lies_in_source(const QString &path, const QString &signature, const extract
 
 QString size_in_source(const QString &path, extraction_run &run)
 {
-    const QString place = QFileInfo(path).canonicalFilePath();
-    if (!QFileInfo(place).isDir())
-        return size_in_bytes(place);
-    const auto known = run.folder_sizes.constFind(place);
-    return known != run.folder_sizes.cend() ? *known
-                                            : *run.folder_sizes.insert(place, size_in_bytes(place));
+    const QString place = canonical_path(path);
+    if (QFileInfo(place).isDir()) {
+        const std::optional<quint64> size = run.folder_sizes.size_of(
+            place, run.temporary_directory, [&run] { return run.cancelled(); });
+        if (size)
+            return QString::number(*size);
+    }
+    return size_in_bytes(place);
 }
 
 void tidy_account_names(QStringList &names)

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "common/evidence/folder_sizes.h"
 #include "common/evidence/source_file.h"
 
-#include <QHash>
 #include <QString>
 #include <QtGlobal>
 
@@ -34,8 +34,7 @@ public:
     bool idle_extractors_end_early = true;
     /// Of the file that is being read; null between files.
     failure_log *failures = nullptr;
-    /// Sizes of folders that its rows named.
-    QHash<QString, QString> folder_sizes;
+    class folder_sizes folder_sizes; ///< of the source
 
     /// May be called from any thread.
     void set_cancelled(bool cancelled) { cancelled_ = cancelled; }
@@ -64,10 +63,11 @@ private:
     std::atomic<bool> cancelled_ = false;
 };
 
-/// False, and logged under the signature, for a path that does not exist or that links of the
-/// evidence lead out of the source: such a file is not touched.
+/// False, and logged under the signature, for a path that links of the evidence lead out of the
+/// source: such a file is not touched. True for one that is not there (any more): that its reader
+/// cannot open it says so.
 bool lies_in_source(const QString &path, const QString &signature, const extraction_run &run);
 
-/// Size of a file or folder of the source in bytes. A folder is walked once for a database, however
-/// many of its rows name it.
+/// Size of a file or folder of the source in bytes. However many rows name folders that lie in each
+/// other, each is walked about once.
 QString size_in_source(const QString &path, extraction_run &run);

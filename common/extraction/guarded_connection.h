@@ -1,7 +1,7 @@
 #pragma once
 
-#include "common/extraction/named_connection.h"
 #include "common/extraction/sqlite_guard.h"
+#include "common/named_connection.h"
 
 #include <QString>
 #include <QtSql/QSqlQuery>

@@ -2,9 +2,9 @@
 
 #include "common/extraction/bound_values.h"
 #include "common/extraction/failure_log.h"
-#include "common/extraction/named_connection.h"
 #include "common/extraction/value_rules.h"
 #include "common/extraction/writing_allowance.h"
+#include "common/named_connection.h"
 
 #include <QtSql/QSqlQuery>
 

@@ -1,8 +1,7 @@
 #include "common/metadata/file_xattrs.h"
 
 #include "common/evidence/evidence_file.h"
-
-#include <QFileInfo>
+#include "common/evidence/native_path.h"
 
 #include <array>
 
@@ -64,8 +63,7 @@ attribute_values companion_of(const QString &path)
 {
     // The attributes lie in front of the resource fork, which may be long.
     constexpr qint64 enough_bytes = 4 * 1024 * 1024;
-    const QFileInfo file(path);
-    evidence_file companion(file.path() + u"/._" + file.fileName());
+    evidence_file companion(path.section(u'/', 0, -2) + u"/._" + path.section(u'/', -1));
     if (!companion.open_for_reading(evidence_file::links::refused))
         return {};
     return apple_double_attributes(companion.read(enough_bytes));
@@ -75,8 +73,8 @@ attribute_values companion_of(const QString &path)
 
 file_xattrs::file_xattrs(const QString &path)
 {
-    const QString resolved = QFileInfo(path).canonicalFilePath();
-    path_ = QFile::encodeName(resolved);
+    const QString resolved = resolved_path(path);
+    path_ = native_path(resolved);
     listed_names_ = listed_names(path_);
     companion_ = companion_of(resolved);
 }

@@ -3,6 +3,7 @@
 // invented: what the evidence does not hold has no value.
 
 #include "common/evidence/evidence_file.h"
+#include "common/evidence/native_path.h"
 #include "common/metadata/file_xattrs.h"
 #include "common/metadata/metadata_platform.h"
 #include "common/metadata/picture_position.h"
@@ -10,7 +11,6 @@
 #include "common/metadata/property_list.h"
 
 #include <QDir>
-#include <QFileInfo>
 #include <QtEndian>
 
 #include <cmath>
@@ -22,12 +22,10 @@ namespace
 
 picture_place place_of_file(const QString &path)
 {
-    // Of an implausibly large picture the beginning, where cameras put their data.
-    constexpr qint64 enough_bytes = 64 * 1024 * 1024;
-    evidence_file file(QFileInfo(path).canonicalFilePath());
+    evidence_file file(resolved_path(path));
     if (!file.open_for_reading(evidence_file::links::refused) || !may_hold_position(file.peek(16)))
         return {};
-    return picture_place_of(file.read(enough_bytes));
+    return picture_place_of(position_data(file, file.stored_size()));
 }
 
 /// "com.apple.lastuseddate#PS": seconds since 1970 and nanoseconds, 64 bits each, little-endian.
@@ -70,7 +68,10 @@ struct printed_value : handed_out {
 class file_item : public handed_out
 {
 public:
-    explicit file_item(const QString &path) : file_(path), attributes_(path) {}
+    explicit file_item(const QString &path)
+        : path_(path), status_(status_of(path)), attributes_(path)
+    {
+    }
 
     /// Null when the file has no such attribute.
     QString printed_attribute(const QString &name) const
@@ -105,14 +106,14 @@ private:
     QString known_to_file_system(const QString &name) const
     {
         if (name == "kMDItemFSName"_L1)
-            return printed_string(file_.fileName());
+            return printed_string(path_.section(u'/', -1));
         if (name == "kMDItemFSCreationDate"_L1)
-            return printed_date(file_.birthTime());
+            return printed_date(status_.birth);
         if (name == "kMDItemFSContentChangeDate"_L1 || name == "kMDItemContentModificationDate"_L1)
-            return printed_date(file_.lastModified());
-        if (name == "kMDItemFSNodeCount"_L1 && file_.isDir())
+            return printed_date(status_.modified);
+        if (name == "kMDItemFSNodeCount"_L1 && status_.is_folder)
             return printed_number(
-                static_cast<qint64>(QDir(file_.filePath())
+                static_cast<qint64>(QDir(path_)
                                         .entryList(QDir::AllEntries | QDir::Hidden | QDir::System |
                                                    QDir::NoDotAndDotDot)
                                         .size()));
@@ -128,12 +129,13 @@ private:
         if (wanted == nullptr)
             return {};
         if (!place_)
-            place_ = place_of_file(file_.filePath());
+            place_ = place_of_file(path_);
         const std::optional<double> number = (*place_).*wanted;
         return number ? printed_number(*number) : QString();
     }
 
-    QFileInfo file_;
+    QString path_;
+    file_status status_;
     file_xattrs attributes_;
     mutable std::optional<picture_place> place_; ///< empty until it is asked for
 };
@@ -143,7 +145,7 @@ class portable_metadata : public metadata_platform
 public:
     reference create_item(const QString &path) override
     {
-        return QFileInfo::exists(path) ? handed(new file_item(path)) : nullptr;
+        return status_of(path).exists ? handed(new file_item(path)) : nullptr;
     }
 
     reference copy_attribute(reference item, const QString &name) override

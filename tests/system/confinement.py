@@ -180,7 +180,9 @@ class Trace:
 
     def take(self, name, arguments, result, descriptor):
         succeeded = result != "?" and int(result) >= 0
-        if name in ("open", "openat", "openat2"):
+        if "O_PATH" in arguments and succeeded:  # where it lies; no content can be read
+            self.looked_at.update(paths_of(arguments)[:1])
+        elif name in ("open", "openat", "openat2"):
             path = unescaped(descriptor or "").removesuffix(" (deleted)")
             writes = re.search(r"O_WRONLY|O_RDWR|O_CREAT|O_TRUNC|O_TMPFILE", arguments)
             # A write that fails was attempted all the same.

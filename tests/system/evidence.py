@@ -47,9 +47,11 @@ class Test:
         parser.add_argument("--work", help="folder for evidence and results; default: in memory")
         parser.add_argument("--keep", action="store_true", help="keep that folder")
         self.options = parser.parse_args()
+        os.umask(0o022)  # other users read the evidence of some runs
         self.full = self.options.full
         self.random = random.Random(self.options.seed)
         self.build = Path(self.options.build).resolve()
+        self.host = self.build / "bin/opera_extract"
         memory = Path("/dev/shm")
         place = self.options.work or (memory if os.access(memory, os.W_OK) else None)
         self.work = Path(tempfile.mkdtemp(prefix="system_test_", dir=place)).resolve()
@@ -58,7 +60,7 @@ class Test:
         self.findings = []
         self.counts = {}
         print(f"seed {self.options.seed}, {self.work}", flush=True)
-        if not (self.build / "bin/opera_extract").exists():
+        if not self.host.exists():
             self.skip(f"{self.build} holds no built host")
 
     def count(self, what, number=1):
@@ -101,7 +103,7 @@ class Test:
         return folder
 
     def command(self, source, system, result, *options):
-        return [str(self.build / "bin/opera_extract"), "--source", str(source), "--os", system,
+        return [str(self.host), "--source", str(source), "--os", system,
                 "--result", str(result), "--json", *map(str, options)]
 
     def start(self, command, environment=None, **more):

@@ -10,6 +10,8 @@ import socket
 import sqlite3
 
 import evidence
+import obstacles
+import read_faults
 import result_faults
 
 FIRST_PAGES = 8192
@@ -89,14 +91,14 @@ class Expectation:
         return number
 
 
-def check_run(test, expected, system, path, label, wrapper=(), replaced=False):
+def check_run(test, expected, system, path, label, wrapper=(), replaced=False, options=(), **more):
     result = test.work / "result"
     shutil.rmtree(result, ignore_errors=True)
     result.mkdir()
     if wrapper:
         os.chown(result, evidence.NOBODY, evidence.NOBODY)
     label = f"{expected.source.name} {path.relative_to(expected.source)}: {label}"
-    run = test.extract(expected.source, system, result, wrapper=wrapper)
+    run = test.extract(expected.source, system, result, *options, wrapper=wrapper, **more)
     if not test.check_ended(run, label):
         return
     sound = evidence.integrity(result)
@@ -230,11 +232,13 @@ def damage_source(test, system, generation):
     expected = Expectation(test, source, system)
     files = read_files(evidence.account_folders(source)[-1], system)
     if not test.full:
-        files = test.random.sample(files, 2)
+        files = [test.random.choice(files), test.random.choice(
+            [path for path in files if path.name in ("Bookmarks", "Current Session")])]
     test.count("files", len(files))
     kinds = list(REPLACEMENTS)
     for path in files:
         damage_contents(test, expected, system, path)
+        read_faults.fail_reading(test, expected, system, path, check_run)
         for kind in kinds if test.full else test.random.sample(kinds, 2):
             replace_file(test, expected, system, path, kind)
         if test.full or path == files[0]:
@@ -249,6 +253,7 @@ def main():
             damage_source(test, system, generation)
             print(f"{system} {generation}: {test.counts}", flush=True)
         result_faults.check_all(test, system)
+        obstacles.check_all(test, system)
     test.finish()
 
 

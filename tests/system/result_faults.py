@@ -1,14 +1,16 @@
 """Result folders that cannot take the rows: full, locked, read-only, of another shape. Part of
 faults.py."""
 
+import atexit
 import collections
-import contextlib
+import functools
 import os
 import resource
 import shutil
 import sqlite3
 import subprocess
 import sys
+import tempfile
 
 import evidence
 
@@ -17,15 +19,28 @@ LOCK_WAIT = 5  # seconds that a statement waits for another process
 SIZES = (16, 64, 100, 128, 160, 200, 256, 320, 400, 512, 640, 800, 1024, 2048)
 
 
+@functools.cache
 def as_nobody(test):
-    """The words that run the host as a user without rights; None where that cannot be."""
+    """The words that run the host as a user without rights; None where that cannot be. That user
+    may not be let in where the build lies: all later runs use a copy of host and library."""
     if os.geteuid() != 0:
         return ()
     words = ("setpriv", f"--reuid={evidence.NOBODY}", f"--regid={evidence.NOBODY}",
              "--clear-groups", "--")
-    host = test.build / "bin/opera_extract"
-    with contextlib.suppress(OSError):
-        if subprocess.run([*words, host, "--version"], capture_output=True).returncode == 0:
+    for place in (test.work, tempfile.gettempdir()):  # file systems in memory may run no programs
+        folder = evidence.Path(tempfile.mkdtemp(prefix="programs_", dir=place))
+        atexit.register(shutil.rmtree, folder, ignore_errors=True)
+        host = folder / "bin/opera_extract"
+        host.parent.mkdir()
+        shutil.copy(test.host, host)
+        shutil.copytree(test.build / "lib", folder / "lib")
+        for path in (folder, *folder.rglob("*")):
+            path.chmod(0o755)
+        # Not the host itself: the program that is started first keeps the right to reach it.
+        reached = [*words, "sh", "-c", 'test -x "$1" && test -r "$2"', "sh", host,
+                   folder / "lib/libopera.so"]
+        if subprocess.run(reached, capture_output=True).returncode == 0:
+            test.host = host
             return words
     return None
 

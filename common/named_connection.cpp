@@ -1,4 +1,4 @@
-#include "common/extraction/named_connection.h"
+#include "common/named_connection.h"
 
 using namespace Qt::StringLiterals;
 
