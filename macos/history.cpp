@@ -28,7 +28,9 @@ QVariant visit_text(source_row &row, int id_column)
                 visits += u"Visit Timestamp (UTC): " + unix_seconds_to_utc_text(*number) + u';';
             else if (const QString text = seconds.toString(); !text.isEmpty())
                 visits += u"Visit Timestamp (UTC): " + unix_seconds_to_utc_text(text) + u';';
-            const QString transition = visit.value(1).toString();
+            const QVariant stored = visit.value(1);
+            const std::optional<qint64> whole = whole_number(stored);
+            const QString transition = whole ? QString::number(*whole) : stored.toString();
             if (!transition.isEmpty())
                 visits += u"Transition: " + transition + u';';
             if (!visits.isEmpty())
@@ -81,7 +83,7 @@ const database_reader macos_readers::history_11 = {
                   .table = {.name = "visits",
                             .key = "url",
                             .type = own_table::key_type::number,
-                            .columns = "visit_time, transition, visit_duration"},
+                            .columns = "visit_time, transition"},
                   .keys_ascend = true}},
 };
 

@@ -42,8 +42,12 @@ QVariant visit_time(source_row &row, int column)
 /// Durations of 2^31 microseconds (36 minutes) and more count as zero: hosts rely on the limit.
 QVariant visit_duration(source_row &row, int column)
 {
-    const int microseconds = whole_part(row.text(column)).toInt();
-    return seconds_to_duration_text(QString::number(microseconds / 1'000'000));
+    const QVariant stored = row.stored(column);
+    const std::optional<qint64> number = whole_number(stored);
+    const bool fits = number && *number == static_cast<int>(*number);
+    const int microseconds =
+        number ? static_cast<int>(fits ? *number : 0) : whole_part(stored.toString()).toInt();
+    return seconds_to_duration_text(microseconds / 1'000'000);
 }
 
 QString yes_no_or_stored(const QString &flag)

@@ -55,6 +55,9 @@ keyed_rows::keyed_rows(const keyed_select &select, const QString &connection_nam
 {
     if (!is_open())
         return;
+    error_ = guarded_query(connection_, key_statement(select_.statement).executed()).error_text();
+    if (!error_.isEmpty())
+        return;
     if (sound && select_.keys_ascend &&
         stores_its_values(connection_, QString::fromUtf8(select_.table.name)))
         begin_walk();
@@ -113,15 +116,17 @@ void keyed_rows::make_table()
         walk_.reset();
         connection_.end_reading();
     }
-    const QString fault = make_own_table(connection_, select_.table);
+    const own_table &table = select_.table;
+    const QString fault = make_own_table(connection_, table);
     connection_.begin_reading();
+    const QString columns = QString::fromUtf8(table.columns);
+    const QString rows_of_key = u" from temp."_s + QString::fromUtf8(table.name) + u" where " +
+                                QString::fromUtf8(table.key) + u" = ?";
     whole_rows_ =
-        std::make_unique<guarded_query>(connection_, key_statement(select_.statement).executed());
-    cut_rows_ = std::make_unique<guarded_query>(
-        connection_, u"select "_s + cut_columns(QString::fromUtf8(select_.table.columns)) +
-                         u" from " + QString::fromUtf8(select_.table.name) + u" where " +
-                         QString::fromUtf8(select_.table.key) + u" = ? limit " +
-                         QString::number(most_cut_rows));
+        std::make_unique<guarded_query>(connection_, u"select "_s + columns + rows_of_key);
+    cut_rows_ = std::make_unique<guarded_query>(connection_, u"select "_s + cut_columns(columns) +
+                                                                 rows_of_key + u" limit " +
+                                                                 QString::number(most_cut_rows));
     error_ = whole_rows_->error_text();
     if (!fault.isEmpty() && error_.isEmpty() && !run_.cancelled())
         log(fault);
@@ -130,12 +135,16 @@ void keyed_rows::make_table()
 found_rows keyed_rows::look_up(const QVariant &key, const row_function &each)
 {
     key_ = key;
+    if (!error_.isEmpty()) {
+        log(error_);
+        return found_rows::none;
+    }
     const bool cut = repeated_bytes_left_ < 0;
     guarded_query &rows = cut ? *cut_rows_ : *whole_rows_;
     rows.bind(0, key);
-    if (!error_.isEmpty() || !rows.execute()) {
+    if (!rows.execute()) {
         if (!run_.cancelled())
-            log(error_.isEmpty() ? rows.error_text() : error_);
+            log(rows.error_text());
         return found_rows::none;
     }
     found_rows found = cut ? found_rows::cut : found_rows::all;

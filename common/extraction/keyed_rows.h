@@ -33,7 +33,7 @@ private:
 struct keyed_select {
     const char *statement; ///< see key_statement
     failure_lines failed;
-    own_table table; ///< its columns are the statement's
+    own_table table; ///< its columns are the first of the statement's
     /// Column of the main SELECT that holds the key, when a key has one row: one statement then
     /// reads both.
     const char *joined_by = nullptr;
@@ -60,7 +60,7 @@ public:
     bool is_open() const { return connection_.is_open(); }
     QString error_text() const { return connection_.error_text(); }
 
-    /// Calls `each` for the key's rows, which have the columns of the statement.
+    /// Calls `each` for the key's rows, which have the columns of the table.
     found_rows find(const QVariant &key, const row_function &each);
 
 private:

@@ -102,11 +102,14 @@ value_rule unix_seconds(int column)
 value_rule unix_seconds_keeping_zero(int column)
 {
     return {.of_row = [](source_row &row, int from) -> QVariant {
-                const QVariant stored = text_or_number(row.stored(from));
-                const QString text = whole_number(stored) == 0 ? u"0"_s : stored.toString();
-                return text.isEmpty() || text == "0"_L1
-                           ? QVariant(text)
-                           : microseconds_since_1601_to_unix_seconds(stored);
+                const QVariant stored = row.stored(from);
+                if (const std::optional<qint64> number = whole_number(stored))
+                    return *number == 0 ? QVariant(u"0"_s)
+                                        : microseconds_since_1601_to_unix_seconds(stored);
+                const QVariant text = text_or_number(stored);
+                return text.toString().isEmpty() || text == u"0"_s
+                           ? QVariant(text.toString())
+                           : microseconds_since_1601_to_unix_seconds(text);
             },
             .column = column};
 }
@@ -114,7 +117,9 @@ value_rule unix_seconds_keeping_zero(int column)
 value_rule yes_when_one(int column)
 {
     return {.of_row = [](source_row &row, int from) -> QVariant {
-                return yes_or_no(row.text(from) == "1"_L1);
+                const QVariant stored = row.stored(from);
+                const std::optional<qint64> number = whole_number(stored);
+                return yes_or_no(number ? *number == 1 : stored.toString() == "1"_L1);
             },
             .column = column};
 }
@@ -122,7 +127,9 @@ value_rule yes_when_one(int column)
 value_rule yes_when_trimmed_one(int column)
 {
     return {.of_row = [](source_row &row, int from) -> QVariant {
-                return yes_or_no(row.text(from).trimmed() == "1"_L1);
+                const QVariant stored = row.stored(from);
+                const std::optional<qint64> number = whole_number(stored);
+                return yes_or_no(number ? *number == 1 : stored.toString().trimmed() == "1"_L1);
             },
             .column = column};
 }

@@ -191,10 +191,13 @@ QString seconds_to_duration_text(const QString &seconds)
     const QStringView trimmed = QStringView(seconds).trimmed();
     if (trimmed.isEmpty())
         return empty_text();
-    const int duration = before_point(trimmed).toInt();
+    return seconds_to_duration_text(before_point(trimmed).toInt());
+}
+
+QString seconds_to_duration_text(int duration)
+{
     if (duration < 0)
         return empty_text();
-
     const int hours = duration / 3600;
     const QString below_hour = two_digits(duration % 3600 / 60) + u':' + two_digits(duration % 60);
     if (hours == 0)

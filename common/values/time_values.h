@@ -33,6 +33,7 @@ QString unix_seconds_to_utc_text(const QString &unix_seconds);
 QString unix_seconds_to_utc_text(qint64 unix_seconds);
 /// To "hh:mm:ss Hrs", or "mm:ss Min" below an hour; empty for a negative value.
 QString seconds_to_duration_text(const QString &seconds);
+QString seconds_to_duration_text(int seconds);
 /// "hhmm" to seconds; parts that are no numbers count as 0.
 quint64 hhmm_to_seconds(const QString &zone);
 
