@@ -66,9 +66,10 @@ QString guarded_connection::check_structure()
     if (!page_count_is_possible())
         return u"more pages are claimed than the file holds"_s;
     guarded_query check(*this, u"PRAGMA quick_check(1)"_s);
-    if (!check.execute() || !check.next())
-        return check.error_text();
-    return check.value(0).toString().simplified();
+    const bool answered = check.execute() && check.next();
+    const QString answer = answered ? check.value(0).toString().simplified() : check.error_text();
+    guard_.renew(); // a check that came to no end must not cost the rows
+    return answer;
 }
 
 guarded_query::guarded_query(guarded_connection &connection, const QString &sql)

@@ -97,9 +97,9 @@ found_rows keyed_rows::walk_to(qint64 key, const row_function &each)
     key_ = key;
     while (walk_has_row_ && !run_.cancelled()) {
         const std::partial_ordering order = order_of(walk_->value(key_column_), key);
-        if (order > 0)
+        if (std::is_gt(order))
             break;
-        if (order == 0)
+        if (std::is_eq(order))
             each(walk_->query());
         walk_has_row_ = walk_->next();
     }

@@ -60,10 +60,9 @@ qint64 thread_processor_time()
 } // namespace
 
 sqlite_guard::sqlite_guard(const std::atomic<bool> &cancelled, qint64 file_size)
-    : cancelled_(cancelled), file_size_(std::clamp(file_size, 0LL, largest_counted)),
-      steps_left_(spare_steps + steps_per_byte * file_size_),
-      nanoseconds_left_(spare_nanoseconds + nanoseconds_per_byte * file_size_)
+    : cancelled_(cancelled), file_size_(std::clamp(file_size, 0LL, largest_counted))
 {
+    renew();
     waiting_guard = this;
     // Connections that other threads of the host open meanwhile find no guard waiting.
     sqlite3_auto_extension(reinterpret_cast<void (*)()>(&sqlite_guard::attach));
@@ -72,6 +71,12 @@ sqlite_guard::sqlite_guard(const std::atomic<bool> &cancelled, qint64 file_size)
 sqlite_guard::~sqlite_guard()
 {
     armed();
+}
+
+void sqlite_guard::renew()
+{
+    steps_left_ = spare_steps + steps_per_byte * file_size_;
+    nanoseconds_left_ = spare_nanoseconds + nanoseconds_per_byte * file_size_;
 }
 
 bool sqlite_guard::armed()

@@ -34,6 +34,8 @@ public:
     bool is_used_up() const { return steps_left_ < 0 || nanoseconds_left_ < 0; }
     /// What is logged as the error then.
     static QString error() { return QStringLiteral("more work than a file of this size can need"); }
+    /// Grants the whole budget again.
+    void renew();
     /// What passed since the last call of SQLite does not count. To be called before each step.
     void resume() { last_check_ = clock::now(); }
 
@@ -48,8 +50,8 @@ private:
     const qint64 file_size_;
     bool waiting_ = true;
     bool reached_ = false;
-    qint64 steps_left_;
-    qint64 nanoseconds_left_;
+    qint64 steps_left_ = 0;
+    qint64 nanoseconds_left_ = 0;
     qint64 processor_time_ = 0; ///< of the thread when it was last looked at, in nanoseconds
     clock::time_point last_check_ = clock::now();
 };
