@@ -111,7 +111,9 @@ file_status status_of(const QString &shown)
 {
 #ifdef Q_OS_LINUX
     const auto time = [](const struct statx_timestamp &stamp) {
-        return QDateTime::fromMSecsSinceEpoch(stamp.tv_sec * 1000 + stamp.tv_nsec / 1'000'000);
+        // As local time, each would ask the system for the zone.
+        return QDateTime::fromMSecsSinceEpoch(stamp.tv_sec * 1000 + stamp.tv_nsec / 1'000'000,
+                                              Qt::UTC);
     };
     struct statx found = {};
     if (::statx(AT_FDCWD, native_path(shown).constData(), 0, STATX_BASIC_STATS | STATX_BTIME,
