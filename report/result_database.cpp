@@ -218,15 +218,14 @@ std::optional<row_cursor> result_database::rows(const stored_table &table,
 
 std::optional<row_cursor> result_database::latest_rows(const stored_table &table,
                                                        const std::vector<int> &columns,
-                                                       int order_column, qint64 most)
+                                                       const std::vector<int> &time_columns,
+                                                       qint64 most)
 {
-    // Unary plus keeps SQLite from an index of the file.
-    const std::string by = order_column < 0
-                               ? std::string("rowid")
-                               : "CAST(+" +
-                                     quoted_name(table.columns[static_cast<size_t>(order_column)]) +
-                                     " AS INTEGER)";
+    std::string time = "COALESCE(";
+    for (const int column : time_columns)
+        time += "NULLIF(CAST(" + quoted_name(table.columns[static_cast<size_t>(column)]) +
+                " AS INTEGER), 0), ";
     return select(table, columns,
-                  " NOT INDEXED ORDER BY " + by + " DESC, rowid LIMIT " + std::to_string(most),
+                  " NOT INDEXED ORDER BY " + time + "0) DESC, rowid LIMIT " + std::to_string(most),
                   false);
 }

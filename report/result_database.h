@@ -83,10 +83,10 @@ public:
     /// All rows by id, with the columns given by position (-1 for one that is missing). Nothing
     /// where the database refuses, which is told.
     std::optional<row_cursor> rows(const stored_table &table, const std::vector<int> &columns);
-    /// The `most` rows with the greatest values in the column, greatest first.
+    /// The `most` rows that are latest by the first of the time columns that is not 0, latest first.
     std::optional<row_cursor> latest_rows(const stored_table &table,
-                                          const std::vector<int> &columns, int order_column,
-                                          qint64 most);
+                                          const std::vector<int> &columns,
+                                          const std::vector<int> &time_columns, qint64 most);
 
 private:
     bool open(const QString &path, bool is_copy);
