@@ -71,9 +71,9 @@ void activity::count_site(std::string_view url)
 
 void activity::widen_span(const event &event)
 {
-    profile_key key{
-        event.where.case_index, std::string(texts::cut_to(event.texts[event::account], 1000)),
-        std::string(texts::cut_to(profile_of(event.texts[event::source_file]), 4000))};
+    profile_key key{event.where.case_index,
+                    std::string(texts::cut_to(event.texts[event::account], 1000)),
+                    std::string(texts::cut_to(profile_of(event.texts[event::source_file]), 4000))};
     if (spans_.size() >= most_profiles && !spans_.contains(key))
         return;
     const auto [place, is_new] = spans_.try_emplace(key, span{event.where.at, event.where.at});

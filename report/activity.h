@@ -16,8 +16,8 @@ struct kept_event {
     std::array<std::string, event::text_count> texts;
 };
 
-/// What a page shows of the events of a timeline: counts by day, hour and site, and the latest ones.
-/// Its memory does not grow with their number.
+/// What a page shows of the events of a timeline: counts by day, hour and site, and the latest
+/// ones. Its memory does not grow with their number.
 class activity
 {
 public:

@@ -225,7 +225,7 @@ constexpr known_table all[] = {
     {"search_items", "Searches", search_first, search_times, "url", "title", "{term}",
      search_identity},
     {"downloads", "Downloads", download_first, download_times, "url", "name",
-     "{full_path|windows_path}[; {state}][; {received_bytes} of {total_bytes} bytes]",
+     "{windows_path|full_path}[; {state}][; {received_bytes} of {total_bytes} bytes]",
      download_identity, "state", "referrer"},
     {"bookmarks", "Bookmarks", bookmark_first, bookmark_times, "url", "name", "{folder}",
      bookmark_identity},

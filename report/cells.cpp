@@ -14,6 +14,8 @@ bool is_plain_json(unsigned char byte)
     return byte >= 0x20 && byte < 0x7f && byte != '"' && byte != '\\';
 }
 
+constexpr std::string_view needs_quotes("\",\r\n\0", 5);
+
 void append_escape(std::string &out, char32_t unit)
 {
     char escape[16];
@@ -31,7 +33,7 @@ void append_csv(std::string &out, std::string_view text)
     const bool formula = !text.empty() &&
                          std::string_view("=+-@\t\r\n").find(text[0]) != std::string_view::npos &&
                          !texts::is_number(text);
-    if (!formula && text.find_first_of("\",\r\n") == std::string_view::npos) {
+    if (!formula && text.find_first_of(needs_quotes) == std::string_view::npos) {
         out += text;
         return;
     }

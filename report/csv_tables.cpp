@@ -17,8 +17,10 @@ namespace
 /// The table's name where it is a plain word, since names of unknown tables may lead anywhere.
 QString file_name(const surveyed_table &table, size_t number)
 {
-    const bool plain = table.name.size() < 100 && table.name.find_first_not_of(
-        "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_") == std::string::npos;
+    const bool plain =
+        table.name.size() < 100 &&
+        table.name.find_first_not_of(
+            "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_") == std::string::npos;
     return plain ? texts::to_qstring(table.name) + u".csv"
                  : QString(u"table_"_s + QString::number(number) + u".csv");
 }

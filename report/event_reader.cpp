@@ -141,6 +141,8 @@ private:
         event_.texts[event::title] = bounded(text(row, title_), storage_[3]);
         detail_.clear();
         forms.detail.front().append(detail_, row);
+        if (detail_.starts_with("; ")) // its first part was left out
+            detail_.erase(0, 2);
         event_.texts[event::detail] = detail_;
         hash_identity(row, forms);
 

@@ -97,8 +97,8 @@ private:
 
     std::vector<std::string> overview_headings() const
     {
-        std::vector<std::string> headings = {"account", "profile", "rows", "rows by table",
-                                             "first activity", "last activity"};
+        std::vector<std::string> headings = {"account",       "profile",        "rows",
+                                             "rows by table", "first activity", "last activity"};
         if (many())
             headings.insert(headings.begin(), "case");
         return headings;
@@ -149,9 +149,9 @@ private:
         for (const auto &[key, rows] : found.profiles) {
             out += "<tr>";
             if (many())
-                append_text_cell(out, contents_.results[key.case_index].name);
-            append_text_cell(out, key.account);
-            append_text_cell(out, key.profile);
+                append_text_cell(out, contents_.results[key.case_index].name, "a");
+            append_text_cell(out, key.account, "a");
+            append_text_cell(out, key.profile, "w");
             qint64 all = 0;
             std::string by_table;
             for (const surveyed_table &table : found.tables) {
@@ -165,7 +165,7 @@ private:
             out += "<td class=\"n\" data-s=\"" + std::to_string(all) + "\">";
             html::append_number(out, all);
             out += "</td>";
-            append_text_cell(out, by_table);
+            append_text_cell(out, by_table, "w");
             const auto span = contents_.counted.spans().find(key);
             if (span == contents_.counted.spans().end()) {
                 out += "<td></td><td></td>";
@@ -254,10 +254,10 @@ private:
             out += "<tr>";
             append_time_cell(out, kept->told.where.at, contents_.zone);
             if (many())
-                append_text_cell(out, contents_.results[kept->told.where.case_index].name);
+                append_text_cell(out, contents_.results[kept->told.where.case_index].name, "a");
             append_text_cell(out, description_of(kept->told));
-            append_text_cell(out, kept->texts[event::message]);
-            append_text_cell(out, kept->texts[event::account]);
+            append_text_cell(out, kept->texts[event::message], "w");
+            append_text_cell(out, kept->texts[event::account], "a");
             append_text_cell(out, kept->texts[event::detail]);
             out += "</tr>\n";
         }

@@ -14,8 +14,8 @@ namespace
 constexpr size_t most_own_columns = 8;
 constexpr size_t longest_cell = 600;
 constexpr size_t longest_detail = 4000;
-constexpr std::string_view picture_paths[] = {"icon_copy_path", "relative_path",
-                                              "export_file_paths", "preview_file_path"};
+constexpr std::string_view picture_paths[] = {"icon_copy_path", "relative_path"};
+constexpr std::string_view exported_paths[] = {"export_file_paths", "preview_file_path"};
 
 /// Whose the row is, what is read first, then everything else.
 std::vector<surveyed_column> arrange(const surveyed_table &table, size_t &own)
@@ -55,15 +55,21 @@ std::vector<std::string> headings_of(const std::vector<surveyed_column> &columns
     return headings;
 }
 
-std::vector<size_t> picture_columns_of(const surveyed_table &table,
+/// Columns that may lead to pictures in the result; downloaded and cached files lie there only when
+/// the host exported them.
+std::vector<size_t> picture_columns_of(const page_contents &contents, const surveyed_table &table,
                                        const std::vector<surveyed_column> &columns)
 {
+    const surveyed_table *const exported = contents.found.table("exportfilelist");
+    const bool has_exported = exported != nullptr && exported->rows > 0 &&
+                              (table.name == "downloads" || table.name == "cached_files");
     std::vector<size_t> found;
-    if (table.name == "history") // its paths name pages, not pictures
-        return found;
-    for (size_t i = 0; i < columns.size(); ++i)
-        if (std::ranges::find(picture_paths, columns[i].name) != std::end(picture_paths))
+    for (size_t i = 0; i < columns.size(); ++i) {
+        const auto is = [&name = columns[i].name](std::string_view path) { return path == name; };
+        if (std::ranges::any_of(picture_paths, is) ||
+            (has_exported && std::ranges::any_of(exported_paths, is)))
             found.push_back(i);
+    }
     return found;
 }
 
@@ -77,14 +83,14 @@ page_table::page_table(std::string id, std::string label, std::vector<std::strin
 std::string page_table::style() const
 {
     // Inside a style element: nothing but letters, digits and blanks of a name gets here.
-    std::string rules;
+    std::string rules = "@media (max-width:700px){";
     for (size_t i = 0; i < headings_.size(); ++i) {
         rules += '#' + id_ + " td:nth-child(" + std::to_string(i + 1) + ")::before{content:\"";
         for (const char letter : headings_[i])
             rules += isalnum(static_cast<unsigned char>(letter)) != 0 ? letter : ' ';
         rules += "\"}";
     }
-    return rules;
+    return rules + '}';
 }
 
 std::string page_table::begin(std::string_view note) const
@@ -117,9 +123,12 @@ void append_time_cell(std::string &out, qint64 instant, const instants::zone &zo
     out += "</span></td>";
 }
 
-void append_text_cell(std::string &out, std::string_view text)
+void append_text_cell(std::string &out, std::string_view text, std::string_view style)
 {
-    out += "<td>";
+    out += "<td";
+    if (!style.empty())
+        ((out += " class=\"") += style) += '"';
+    out += '>';
     if (!text.empty()) {
         out += "<div class=\"x\">";
         html::append_text(out, text, longest_cell);
@@ -131,7 +140,8 @@ void append_text_cell(std::string &out, std::string_view text)
 result_section::result_section(const page_contents &contents, const surveyed_table &table,
                                size_t number)
     : contents_(contents), surveyed_(table), columns_(arrange(table, own_)),
-      picture_columns_(picture_columns_of(table, columns_)), many_(contents.results.size() > 1),
+      picture_columns_(picture_columns_of(contents, table, columns_)),
+      many_(contents.results.size() > 1),
       table_("t" + std::to_string(number), table.label,
              headings_of(columns_, own_, many_, !picture_columns_.empty()))
 {
@@ -173,10 +183,10 @@ bool result_section::write(output_file &file, qint64 &picture_budget)
                 times.push_back(place);
         }
         pictures shown(database, picture_budget);
-        auto rows = times.empty()
-                        ? database.rows(*stored, places)
-                        : database.latest_rows(*stored, places, times, most_of_one);
-        for (qint64 of_one = 0; rows && left > 0 && of_one < most_of_one && rows->next(); ++of_one) {
+        auto rows = times.empty() ? database.rows(*stored, places)
+                                  : database.latest_rows(*stored, places, times, most_of_one);
+        for (qint64 of_one = 0; rows && left > 0 && of_one < most_of_one && rows->next();
+             ++of_one) {
             line.clear();
             append_row(line, i, *rows, shown);
             if (!file.write(line))
@@ -185,6 +195,13 @@ bool result_section::write(output_file &file, qint64 &picture_budget)
         }
     }
     return file.write(page_table::end());
+}
+
+std::string_view result_section::style_of(const surveyed_column &column) const
+{
+    if (column.name == "system_user" || column.name == "account_name")
+        return "a";
+    return surveyed_.known != nullptr && column.name == surveyed_.known->url ? "w" : "";
 }
 
 void result_section::append_row(std::string &out, size_t case_index, row_cursor &row,
@@ -198,7 +215,7 @@ void result_section::append_row(std::string &out, size_t case_index, row_cursor 
         out += data.empty() ? "<td></td>" : "<td><img alt=\"picture\" src=\"" + data + "\"></td>";
     }
     if (many_)
-        append_text_cell(out, contents_.results[case_index].name);
+        append_text_cell(out, contents_.results[case_index].name, "a");
     for (size_t i = 0; i < own_; ++i)
         append_cell(out, row, i);
     append_more(out, row);
@@ -212,7 +229,7 @@ void result_section::append_cell(std::string &out, row_cursor &row, size_t index
     if (const auto at = number ? instants::of(*number, time->form) : std::nullopt)
         append_time_cell(out, *at, contents_.zone);
     else
-        append_text_cell(out, row.text(index));
+        append_text_cell(out, row.text(index), style_of(columns_[index]));
 }
 
 void result_section::append_more(std::string &out, row_cursor &row)

@@ -33,7 +33,8 @@ private:
 
 /// Appends a cell with the time in UTC and, when it is another, in the zone.
 void append_time_cell(std::string &out, qint64 instant, const instants::zone &zone);
-void append_text_cell(std::string &out, std::string_view text);
+/// `style`: "" or one of the page's classes, "a" for accounts, "w" for what needs room.
+void append_text_cell(std::string &out, std::string_view text, std::string_view style = "");
 
 /// The section of one result table.
 class result_section
@@ -49,11 +50,12 @@ private:
     void append_row(std::string &out, size_t case_index, row_cursor &row, pictures &shown);
     void append_cell(std::string &out, row_cursor &row, size_t index);
     void append_more(std::string &out, row_cursor &row);
+    std::string_view style_of(const surveyed_column &column) const;
 
     const page_contents &contents_;
     const surveyed_table &surveyed_;
-    std::vector<surveyed_column> columns_; ///< those with a column of their own first
-    size_t own_ = 0;                       ///< how many these are
+    size_t own_ = 0; ///< how many of the columns stand for themselves; the rest is behind "more"
+    std::vector<surveyed_column> columns_;
     std::vector<size_t> picture_columns_;
     bool many_;
     page_table table_;

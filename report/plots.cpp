@@ -102,10 +102,10 @@ std::vector<bar> bars_of(const std::vector<quint32> &days, bucket &size)
     if (last < 0)
         return {};
     const auto length = static_cast<size_t>(last - first + 1);
-    size = length <= most_bars             ? bucket::day
-           : length <= most_bars * 7       ? bucket::week
-           : length <= most_bars * 30      ? bucket::month
-                                           : bucket::year;
+    size = length <= most_bars        ? bucket::day
+           : length <= most_bars * 7  ? bucket::week
+           : length <= most_bars * 30 ? bucket::month
+                                      : bucket::year;
     const sys_days origin{std::chrono::days(activity::first_day)};
     std::vector<bar> bars;
     sys_days end{};
@@ -159,9 +159,9 @@ std::string bars_plot(std::string_view heading, std::string_view what,
             (base - top) * static_cast<double>(bars[i].count) / static_cast<double>(most);
         const std::string date = date_text(bars[i].from, size);
         if (bars[i].count > 0)
-            drawing += rectangle(x + 0.5, base - qMax(height, 1.0), qMax(step - 1, 1.0),
-                                 qMax(height, 1.0), "class=\"value\"",
-                                 date + ": " + grouped(bars[i].count));
+            drawing +=
+                rectangle(x + 0.5, base - qMax(height, 1.0), qMax(step - 1, 1.0), qMax(height, 1.0),
+                          "class=\"value\"", date + ": " + grouped(bars[i].count));
         if (i % ((bars.size() + labels - 1) / labels) == 0)
             drawing += text_at(x, base + 18, "start", date);
     }
@@ -192,12 +192,11 @@ std::string hours_plot(const activity &counted, const std::string &zone_name)
         for (size_t hour = 0; hour < 24; ++hour) {
             const quint64 count = counted.hours()[day][hour];
             const double share = static_cast<double>(count) / static_cast<double>(most);
-            drawing += rectangle(left + cell * static_cast<double>(hour), y, cell - 1, 19,
-                                 count == 0 ? "class=\"none\""
-                                            : "class=\"value\" fill-opacity=\"" +
-                                                  number(0.2 + 0.8 * share) + '"',
-                                 std::string(weekdays[day]) + ' ' + std::to_string(hour) +
-                                     ":00: " + grouped(count));
+            drawing += rectangle(
+                left + cell * static_cast<double>(hour), y, cell - 1, 19,
+                count == 0 ? "class=\"none\""
+                           : "class=\"value\" fill-opacity=\"" + number(0.2 + 0.8 * share) + '"',
+                std::string(weekdays[day]) + ' ' + std::to_string(hour) + ":00: " + grouped(count));
         }
     }
     return frame("Hour of the day by weekday",
@@ -208,8 +207,8 @@ std::string hours_plot(const activity &counted, const std::string &zone_name)
 
 std::string sites_plot(const activity &counted)
 {
-    constexpr double left = 250;
-    constexpr size_t longest_name = 36;
+    constexpr double left = 262;
+    constexpr size_t longest_name = 30;
     const auto sites = counted.most_visited(12);
     if (sites.empty())
         return {};
@@ -221,7 +220,8 @@ std::string sites_plot(const activity &counted)
         const double length = (width - left - 80) * static_cast<double>(count) / most;
         std::string name;
         texts::append_visible(name, site);
-        if (const std::string_view cut = texts::cut_to(name, longest_name); cut.size() < name.size())
+        if (const std::string_view cut = texts::cut_to(name, longest_name);
+            cut.size() < name.size())
             name = std::string(cut) + "…";
         drawing += text_at(left - 8, y + 14, "end", name, " class=\"name\"") +
                    rectangle(left, y + 2, qMax(length, 1.0), 15, "class=\"value\"", site) +
@@ -237,8 +237,8 @@ std::string sites_plot(const activity &counted)
 
 std::string plots_of(const activity &counted, const std::string &zone_name)
 {
-    return bars_plot("Activity over time", "What somebody did (visits, searches, downloads and more)",
-                     counted.days()) +
+    return bars_plot("Activity over time",
+                     "What somebody did (visits, searches, downloads and more)", counted.days()) +
            hours_plot(counted, zone_name) + sites_plot(counted) +
            bars_plot("Downloads over time", "Downloads started", counted.download_days());
 }

@@ -114,15 +114,30 @@ bool result_database::open(const QString &path, bool is_copy)
     const int flags = SQLITE_OPEN_URI | (is_copy ? SQLITE_OPEN_READWRITE : SQLITE_OPEN_READONLY);
     if (sqlite3_open_v2(name.constData(), &database_, flags, nullptr) == SQLITE_OK) {
         restrict_file();
-        if (sqlite3_exec(database_, "SELECT count(*) FROM sqlite_schema", nullptr, nullptr,
-                         nullptr) == SQLITE_OK)
+        if (can_be_asked())
             return true;
+        const QString reason = QString::fromUtf8(sqlite3_errmsg(database_));
+        // SQLite goes on over a cut file and over parts of a schema that it cannot read when the
+        // schema may be repaired; nothing can be written here.
+        sqlite3_db_config(database_, SQLITE_DBCONFIG_DEFENSIVE, 0, nullptr);
+        sqlite3_db_config(database_, SQLITE_DBCONFIG_WRITABLE_SCHEMA, 1, nullptr);
+        if (can_be_asked()) {
+            terminal::print_error(folder_.database + u" is damaged (" + reason +
+                                  u"); what can be read of it is");
+            return true;
+        }
     }
     terminal::print_error(folder_.database + u" cannot be read: " +
                           QString::fromUtf8(sqlite3_errmsg(database_)));
     sqlite3_close(database_);
     database_ = nullptr;
     return false;
+}
+
+bool result_database::can_be_asked()
+{
+    return sqlite3_exec(database_, "SELECT count(*) FROM sqlite_schema", nullptr, nullptr,
+                        nullptr) == SQLITE_OK;
 }
 
 void result_database::restrict_file()

@@ -83,7 +83,8 @@ public:
     /// All rows by id, with the columns given by position (-1 for one that is missing). Nothing
     /// where the database refuses, which is told.
     std::optional<row_cursor> rows(const stored_table &table, const std::vector<int> &columns);
-    /// The `most` rows that are latest by the first of the time columns that is not 0, latest first.
+    /// The `most` rows that are latest by the first of the time columns that is not 0, latest
+    /// first.
     std::optional<row_cursor> latest_rows(const stored_table &table,
                                           const std::vector<int> &columns,
                                           const std::vector<int> &time_columns, qint64 most);
@@ -91,6 +92,7 @@ public:
 private:
     bool open(const QString &path, bool is_copy);
     bool copy_with_companions(const QStringList &companions);
+    bool can_be_asked();
     void restrict_file();
     void read_tables();
     void read_columns(stored_table &table);

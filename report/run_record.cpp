@@ -43,11 +43,14 @@ private:
 void read_run(const QJsonObject &told, run_record &record, problem_list &problems)
 {
     const QJsonObject tool = told.value("tool"_L1).toObject();
-    run_record::run run{QString(tool.value("name"_L1).toString() + u' ' +
-                                tool.value("version"_L1).toString())
-                            .trimmed(),
-                        told.value("source"_L1).toString(), told.value("started"_L1).toString(),
-                        told.value("ended"_L1).toString(), told.value("cancelled"_L1).toBool(), 0};
+    run_record::run run{
+        QString(tool.value("name"_L1).toString() + u' ' + tool.value("version"_L1).toString())
+            .trimmed(),
+        told.value("source"_L1).toString(),
+        told.value("started"_L1).toString(),
+        told.value("ended"_L1).toString(),
+        told.value("cancelled"_L1).toBool(),
+        0};
     const QJsonArray profiles = told.value("profiles"_L1).toArray();
     for (const QJsonValue &profile : profiles) {
         const QJsonArray files = profile.toObject().value("files"_L1).toArray();

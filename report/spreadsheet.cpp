@@ -27,7 +27,7 @@ constexpr std::string_view cut_mark = " […cut]";
 constexpr size_t cut_mark_units = 7;
 constexpr double day = 86'400'000'000.0;
 /// Dates of a spreadsheet count days from here and begin in 1900.
-constexpr qint64 first_day = -2'209'161'600'000'000; // 1899-12-30
+constexpr qint64 first_day = -2'209'161'600'000'000;  // 1899-12-30
 constexpr qint64 first_date = -2'203'891'200'000'000; // 1900-03-01: before it, day numbers differ
 constexpr double column_width = 22;
 constexpr double time_width = 19;
@@ -49,6 +49,8 @@ std::string cell_text(std::string_view text)
     while (!text.empty()) {
         const std::string_view before = text;
         const char32_t character = texts::take_character(text);
+        if (character == '\r' && text.starts_with('\n'))
+            continue; // a sheet's line ends are line feeds
         if ((character < 0x20 && character != '\t' && character != '\n') ||
             (character & 0xfffe) == 0xfffe)
             shown += "\uFFFD";
@@ -105,7 +107,8 @@ private:
     {
         std::string plain;
         for (const char letter : wanted.substr(0, 24))
-            plain += isalnum(static_cast<unsigned char>(letter)) != 0 || letter == ' ' ? letter : '_';
+            plain +=
+                isalnum(static_cast<unsigned char>(letter)) != 0 || letter == ' ' ? letter : '_';
         for (int number = 1;; ++number) {
             std::string name = number == 1 ? plain : plain + " (" + std::to_string(number) + ")";
             std::string key = name;

@@ -19,7 +19,8 @@ struct surveyed_table {
     std::string name;
     std::string label;
     const catalogue::known_table *known = nullptr;
-    std::vector<surveyed_column> columns; ///< whose row, what is read first, the rest, where it is from
+    std::vector<surveyed_column>
+        columns; ///< whose row, what is read first, the rest, where it is from
     qint64 rows = 0;
 };
 
