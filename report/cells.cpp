@@ -2,6 +2,7 @@
 
 #include "report/texts.h"
 
+#include <algorithm>
 #include <cstdio>
 
 namespace
@@ -14,7 +15,11 @@ bool is_plain_json(unsigned char byte)
     return byte >= 0x20 && byte < 0x7f && byte != '"' && byte != '\\';
 }
 
-constexpr std::string_view needs_quotes("\",\r\n\0", 5);
+/// Whether a cell with the byte has to stand in quotes.
+bool needs_quotes(char byte)
+{
+    return byte == '"' || byte == ',' || byte == '\r' || byte == '\n' || byte == '\0';
+}
 
 void append_escape(std::string &out, char32_t unit)
 {
@@ -33,7 +38,7 @@ void append_csv(std::string &out, std::string_view text)
     const bool formula = !text.empty() &&
                          std::string_view("=+-@\t\r\n").find(text[0]) != std::string_view::npos &&
                          !texts::is_number(text);
-    if (!formula && text.find_first_of(needs_quotes) == std::string_view::npos) {
+    if (!formula && std::ranges::none_of(text, needs_quotes)) {
         out += text;
         return;
     }

@@ -3,8 +3,8 @@
 #include <QtGlobal>
 
 #include <array>
-#include <compare>
 #include <string_view>
+#include <tuple>
 
 /// One thing that happened, as some row tells it. Texts are UTF-8 and belong to whoever gave the
 /// event out.
@@ -21,22 +21,13 @@ struct event {
         qint64 row = 0;
         quint32 number = 0; ///< among the events of its row
 
-        auto operator<=>(const place &other) const
+        /// Whatever stands by itself comes before what may repeat it.
+        bool operator<(const place &other) const
         {
-            // Whatever stands by itself comes before what may repeat it.
-            if (const auto order = at <=> other.at; order != 0)
-                return order;
-            if (const auto order = worth <=> other.worth; order != 0)
-                return order;
-            if (const auto order = case_index <=> other.case_index; order != 0)
-                return order;
-            if (const auto order = table <=> other.table; order != 0)
-                return order;
-            if (const auto order = row <=> other.row; order != 0)
-                return order;
-            return number <=> other.number;
+            return std::tie(at, worth, case_index, table, row, number) <
+                   std::tie(other.at, other.worth, other.case_index, other.table, other.row,
+                            other.number);
         }
-        bool operator==(const place &other) const = default;
     };
 
     enum text { source_file, account, url, title, detail, message, text_count };

@@ -10,6 +10,8 @@
 #include <QHash>
 #include <QRandomGenerator>
 
+#include <algorithm>
+
 namespace
 {
 
@@ -18,6 +20,8 @@ constexpr std::string_view typed_message = "Typed and visited [“{title}” ]{u
 constexpr std::string_view joint = ";++::++;";
 /// What search engines for events take in one field.
 constexpr size_t longest_text = 32'000;
+/// Of one row that are remembered: pages with more visits are few.
+constexpr size_t most_moments = 64;
 
 const catalogue::known_table &table_of(const event &event)
 {
@@ -135,6 +139,7 @@ private:
         const table_forms &forms = exchange ? exchanged_ : forms_;
         event_.where.row = row.row_id();
         event_.where.number = 0;
+        moments_.clear();
         event_.texts[event::source_file] = bounded(text(row, source_), storage_[0]);
         event_.texts[event::account] = bounded(text(row, account_), storage_[1]);
         event_.texts[event::url] = bounded(text(row, url_), storage_[2]);
@@ -217,11 +222,30 @@ private:
         return true;
     }
 
+    /// Whether the row itself has told of a derived event already: mostly so, and cheaper to notice
+    /// here than behind the sorting.
+    bool repeats_own(qint64 at)
+    {
+        const char same = known_.times[event_.time].same;
+        if (same == 0)
+            return false;
+        const std::pair<char, qint64> moment(same, at);
+        if (std::ranges::find(moments_, moment) != moments_.end())
+            return event_.where.worth == event::rank::derived;
+        if (moments_.size() < most_moments)
+            moments_.push_back(moment);
+        return false;
+    }
+
     bool give(std::optional<qint64> stored, std::optional<qint64> at, row_cursor &row,
               const table_forms &forms)
     {
         if (!at) {
             reading_.impossible_times += stored && *stored != 0 ? 1 : 0;
+            return true;
+        }
+        if (repeats_own(*at)) {
+            ++reading_.repeated;
             return true;
         }
         event_.where.at = *at;
@@ -255,6 +279,7 @@ private:
     std::array<std::string, 4> storage_;
     std::string detail_;
     std::string message_;
+    std::vector<std::pair<char, qint64>> moments_; ///< of the row, by what they tell of
 };
 
 } // namespace

@@ -10,6 +10,7 @@ class result_database;
 /// or the run is interrupted. Times that no calendar holds are counted.
 struct event_reading {
     qint64 impossible_times = 0;
+    qint64 repeated = 0; ///< left out because the same row told of them otherwise
 };
 event_reading read_events(result_database &database, quint32 case_index,
                           const std::function<bool(const event &)> &take);

@@ -186,7 +186,8 @@ bool event_sorter::add(const event &event)
 
 void event_sorter::sort_entries()
 {
-    std::ranges::sort(entries_, {}, &entry::where);
+    std::sort(entries_.begin(), entries_.end(),
+              [](const entry &one, const entry &other) { return one.where < other.where; });
 }
 
 bool event_sorter::spill()
@@ -236,7 +237,7 @@ bool event_sorter::merge(std::vector<run> &runs,
 {
     std::vector<std::unique_ptr<run_reader>> readers;
     const auto later = [](const run_reader *one, const run_reader *other) {
-        return one->where() > other->where();
+        return other->where() < one->where();
     };
     std::priority_queue<run_reader *, std::vector<run_reader *>, decltype(later)> next(later);
     for (const run &file : runs) {

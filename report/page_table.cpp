@@ -29,8 +29,8 @@ std::vector<surveyed_column> arrange(const surveyed_table &table, size_t &own)
         return std::ranges::find(table.known->first_columns, column.name) !=
                table.known->first_columns.end();
     };
-    const auto rest = std::ranges::stable_partition(columns, is_own);
-    own = qMin(columns.size() - rest.size(), most_own_columns + 1);
+    const auto rest = std::stable_partition(columns.begin(), columns.end(), is_own);
+    own = qMin(static_cast<size_t>(rest - columns.begin()), most_own_columns + 1);
     return columns;
 }
 

@@ -52,18 +52,18 @@ void read_run(const QJsonObject &told, run_record &record, problem_list &problem
         told.value("cancelled"_L1).toBool(),
         0};
     const QJsonArray profiles = told.value("profiles"_L1).toArray();
-    for (const QJsonValue &profile : profiles) {
+    for (const auto &profile : profiles) {
         const QJsonArray files = profile.toObject().value("files"_L1).toArray();
         run.files += files.size();
-        for (const QJsonValue &file : files) {
+        for (const auto &file : files) {
             const QString path = file.toObject().value("path"_L1).toString();
             const QJsonArray readings = file.toObject().value("readings"_L1).toArray();
-            for (const QJsonValue &reading : readings)
+            for (const auto &reading : readings)
                 problems.add(reading.toObject(), path);
         }
     }
     const QJsonArray warnings = told.value("warnings"_L1).toArray();
-    for (const QJsonValue &warning : warnings)
+    for (const auto &warning : warnings)
         problems.add(warning.toObject(), warning.toObject().value("path"_L1).toString());
     record.runs.push_back(run);
 }
@@ -91,7 +91,7 @@ run_record read_run_record(const QString &folder)
     }
     problem_list problems(record.problems);
     const QJsonArray runs = document.object().value("runs"_L1).toArray();
-    for (const QJsonValue &run : runs)
+    for (const auto &run : runs)
         read_run(run.toObject(), record, problems);
     return record;
 }

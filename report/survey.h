@@ -5,6 +5,7 @@
 
 #include <map>
 #include <string>
+#include <tuple>
 #include <vector>
 
 /// A column of a table over all results.
@@ -30,7 +31,11 @@ struct profile_key {
     std::string account;
     std::string profile;
 
-    auto operator<=>(const profile_key &) const = default;
+    bool operator<(const profile_key &other) const
+    {
+        return std::tie(case_index, account, profile) <
+               std::tie(other.case_index, other.account, other.profile);
+    }
 };
 
 struct profile_rows {

@@ -19,6 +19,7 @@ void for_each_row(const std::vector<result_folder> &results, const surveyed_tabl
         if (stored == nullptr)
             continue;
         std::vector<int> places;
+        places.reserve(columns.size());
         for (const surveyed_column &column : columns)
             places.push_back(stored->column(column.name));
         std::optional<row_cursor> rows = database.rows(*stored, places);

@@ -41,6 +41,13 @@ std::string code_of(char32_t character)
 void append_visible(std::string &out, std::string_view text)
 {
     while (!text.empty()) {
+        size_t plain = 0; // most of it
+        while (plain < text.size() && text[plain] >= ' ' && text[plain] < 0x7f)
+            ++plain;
+        out += text.substr(0, plain);
+        text.remove_prefix(plain);
+        if (text.empty())
+            break;
         const std::string_view before = text;
         const char32_t character = take_character(text);
         if (character == '\t' || is_deceptive(character))

@@ -74,6 +74,7 @@ timeline_counts read_timeline(const std::vector<result_folder> &results,
                 return kept = sorter.add(event) && !terminal::interrupted();
             });
         counts.impossible_times += reading.impossible_times;
+        counts.repeated += reading.repeated;
     }
 
     repetition_filter filter;
