@@ -134,7 +134,7 @@ private:
             html::append_text(out, section.table().label(), 60);
             out += "</a>";
         }
-        out += "<span class=\"soft keys\">Keys: / filter, arrows rows, Enter open</span></nav>\n"
+        out += "<span class=\"soft keys\">Keys: / filter, arrows rows, Enter all of a row, Esc back</span></nav>\n"
                "<main>";
         file_.write(out);
     }
@@ -165,7 +165,9 @@ private:
             out += "<td class=\"n\" data-s=\"" + std::to_string(all) + "\">";
             html::append_number(out, all);
             out += "</td>";
-            append_text_cell(out, by_table, "w");
+            out += "<td class=\"w\">";
+            html::append_text(out, by_table);
+            out += "</td>";
             const auto span = contents_.counted.spans().find(key);
             if (span == contents_.counted.spans().end()) {
                 out += "<td></td><td></td>";

@@ -234,7 +234,7 @@ void result_section::append_cell(std::string &out, row_cursor &row, size_t index
 
 void result_section::append_more(std::string &out, row_cursor &row)
 {
-    out += "<td><details><summary>more</summary><dl><dt>row</dt><dd>" +
+    out += "<td><details name=\"more\"><summary>more</summary><dl><dt>row</dt><dd>" +
            std::to_string(row.row_id()) + "</dd>";
     for (size_t i = own_; i < columns_.size(); ++i) {
         const std::string_view text = row.text(i);

@@ -79,6 +79,11 @@
     }
   }
 
+  function show_more(row, open) {
+    row.classList.toggle('open', open);
+    for (const more of row.querySelectorAll('details')) more.open = open;
+  }
+
   function move(part, event) {
     const row = event.target;
     if (row.tagName !== 'TR') return;
@@ -87,10 +92,14 @@
     const to = {ArrowDown: at + 1, ArrowUp: at - 1, PageDown: at + 20, PageUp: at - 20, Home: 0,
       End: visible.length - 1}[event.key];
     if (to !== undefined) {
-      visible[Math.max(0, Math.min(to, visible.length - 1))].focus();
+      const next = visible[Math.max(0, Math.min(to, visible.length - 1))];
+      if (next !== row && row.querySelector('details[open]')) {
+        show_more(row, false);
+        show_more(next, true);
+      }
+      next.focus();
     } else if (event.key === 'Enter' || event.key === ' ') {
-      const open = row.classList.toggle('open');
-      for (const more of row.querySelectorAll('details')) more.open = open;
+      show_more(row, !row.classList.contains('open'));
     } else {
       return;
     }
@@ -106,6 +115,8 @@
     } else if (event.key === 'Escape' && typing) {
       event.target.value = '';
       event.target.dispatchEvent(new Event('input'));
+    } else if (event.key === 'Escape') {
+      for (const more of document.querySelectorAll('details[open]')) show_more(more.closest('tr'), false);
     }
   });
 

@@ -48,6 +48,17 @@ def check_harmless(checks, browser, page):
         "[...document.querySelectorAll('.cut')].map(e => e.textContent).join()"), "a long text was not cut")
 
 
+def check_contents(checks, browser):
+    """What the record of the run tells, and the pictures of the result and of nowhere else."""
+    problems = browser.run("document.querySelector('#problems').textContent")
+    checks.check("3 told" in problems and "refused /Users/eve/link – leads elsewhere" in problems and
+                 results.SCRIPT in problems and "fine" not in problems, problems)
+    names = "[...document.querySelectorAll('tr')].filter(row => row.querySelector('img')).map(row => row.textContent)"
+    shown = browser.run(names)
+    checks.check(shown and not any("outside" in name for name in shown), f"{len(shown)} pictures")
+    checks.check(browser.run("[...document.images].every(image => image.naturalWidth > 0)"), "a broken picture")
+
+
 def wait_for(browser, script):
     return browser.run(f"new Promise(done => {{ const t = setInterval(() => {{ if ({script}) {{ clearInterval(t); "
                        "done(true); } }, 20); setTimeout(() => done(false), 5000); })")
@@ -128,6 +139,7 @@ def main():
             browser.size(1300, 900)
             browser.open(page)
             check_harmless(checks, browser, page)
+            check_contents(checks, browser)
             check_filter(checks, browser, expected)
             check_sort(checks, browser)
             check_keyboard(checks, browser)

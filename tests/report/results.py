@@ -1,6 +1,8 @@
 """Result folders to report on: those of sample evidence, with rows whose texts attack who shows them."""
 
+import json
 import pathlib
+import shutil
 import sqlite3
 import subprocess
 import tempfile
@@ -46,11 +48,18 @@ def add_hostile_rows(result):
                              "values(0, 'eve', ?, ?, ?, ?)", (url, title, SECOND, SOURCE))
             database.execute("insert into downloads(bookmark, system_user, name, url, start_time, full_path, "
                              "source_file) values(0, 'eve', ?, ?, ?, ?, ?)", (title, url, SECOND, title, SOURCE))
+        (icon,) = database.execute("select icon_copy_path from extensions where icon_copy_path <> ''").fetchone()
         database.execute("insert into extensions(system_user, name, icon_copy_path) "
-                         "values('eve', 'outside', './../../../../evidence/secret.png')")
+                         "values('eve', 'outside', './../../../secret.png')")
         database.execute("create table \"<b>odd\"\" table\" (\"<i>\" text, \"=1+1\" text)")
         database.execute("insert into \"<b>odd\"\" table\" values(?, ?)", (SCRIPT, FORMULA))
     database.close()
+    home = database_of(result).parent
+    shutil.copy(home / icon, home / "../../../secret.png")
+    run = {"cancelled": True, "source": "/mnt", "profiles": [{"files": [{"path": SOURCE, "readings": [
+        {"outcome": "read", "sentence": "fine"}, {"outcome": "damaged", "sentence": SCRIPT}]}]}],
+        "warnings": [{"outcome": "refused", "path": "/Users/eve/link", "sentence": "leads elsewhere"}], "totals": 7}
+    (home / "Opera_run.json").write_text(json.dumps({"format": "opera_run", "version": 1, "runs": [run, None]}))
 
 
 def report(programs, *arguments):
