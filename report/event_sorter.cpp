@@ -1,5 +1,6 @@
 #include "report/event_sorter.h"
 
+#include "report/output_file.h"
 #include "report/terminal.h"
 
 #include <QDir>
@@ -139,9 +140,8 @@ public:
     }
     bool flush()
     {
-        const auto size = static_cast<qint64>(buffer_.size());
         const bool written =
-            file_.isOpen() && file_.write(buffer_.data(), size) == size && file_.flush();
+            file_.isOpen() && write_all(file_, buffer_.data(), buffer_.size()) && file_.flush();
         buffer_.clear();
         return written;
     }

@@ -50,7 +50,8 @@ void write_by_time(const report_options &options, const std::vector<result_folde
     if (counts.impossible_times > 0)
         terminal::print_note(QString::number(counts.impossible_times) +
                              u" times lie outside the years 1 to 9999 and are no events");
-    if (timeline && (counts.complete || !terminal::interrupted()) && timeline->commit())
+    // One that could not be written tells so when it is committed.
+    if (timeline && (counts.complete || counts.refused) && timeline->commit())
         terminal::print_note(options.timeline + u": " + QString::number(counts.events) +
                              u" events, " + QString::number(counts.repeated) +
                              u" repeated ones left out");

@@ -9,6 +9,18 @@ namespace
 constexpr size_t buffer_size = size_t{1} << 18;
 }
 
+bool write_all(QFileDevice &file, const char *bytes, size_t size)
+{
+    while (size > 0) {
+        const qint64 written = file.write(bytes, static_cast<qint64>(size));
+        if (written <= 0)
+            return false;
+        bytes += written;
+        size -= static_cast<size_t>(written);
+    }
+    return true;
+}
+
 output_file::output_file(const QString &path) : file_(path), good_(file_.open(QIODevice::WriteOnly))
 {
     buffer_.reserve(buffer_size + buffer_size / 2);
@@ -22,8 +34,7 @@ bool output_file::write(std::string_view bytes)
 
 bool output_file::flush()
 {
-    const auto size = static_cast<qint64>(buffer_.size());
-    good_ = good_ && file_.write(buffer_.data(), size) == size;
+    good_ = good_ && write_all(file_, buffer_.data(), buffer_.size());
     buffer_.clear();
     return good_;
 }

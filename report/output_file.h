@@ -5,6 +5,9 @@
 #include <string>
 #include <string_view>
 
+/// Writes all of the bytes. A short write is no error yet for QFile: only the next one tells why.
+bool write_all(QFileDevice &file, const char *bytes, size_t size);
+
 /// A file that stands under its name only when it is complete.
 class output_file
 {

@@ -134,8 +134,9 @@ private:
             html::append_text(out, section.table().label(), 60);
             out += "</a>";
         }
-        out += "<span class=\"soft keys\">Keys: / filter, arrows rows, Enter all of a row, Esc back</span></nav>\n"
-               "<main>";
+        out +=
+            "<span class=\"soft keys\">Keys: / filter, arrows rows, Enter all of a row, Esc back</span></nav>\n"
+            "<main>";
         file_.write(out);
     }
 

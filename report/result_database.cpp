@@ -5,11 +5,21 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QTemporaryDir>
 #include <QUrl>
 
 #include <sqlite3.h>
 
 using namespace Qt::StringLiterals;
+
+/// A result in the temporary folder, with its unfinished transaction.
+struct private_copy {
+    explicit private_copy(QString original) : of(std::move(original)) {}
+    QString path() const { return folder.filePath(u"Opera.sqlite"_s); }
+
+    QString of;
+    QTemporaryDir folder;
+};
 
 namespace
 {
@@ -77,7 +87,7 @@ result_database::result_database(const result_folder &folder) : folder_(folder)
     size_ = QFileInfo(folder.database).size();
     if (!QFileInfo(folder.database).isFile())
         terminal::print_error(folder.database + u" is no file");
-    else if (companions.isEmpty() ? open(folder.database, false) : copy_with_companions(companions))
+    else if (companions.isEmpty() ? open(folder.database, false) : open_copy(companions))
         read_tables();
 }
 
@@ -86,25 +96,32 @@ result_database::~result_database()
     sqlite3_close(database_);
 }
 
-bool result_database::copy_with_companions(const QStringList &companions)
+bool result_database::open_copy(const QStringList &companions)
 {
-    copies_ = std::make_unique<QTemporaryDir>();
-    const QString copy = copies_->filePath(u"Opera.sqlite"_s);
-    bool copied = copies_->isValid() && QFile::copy(folder_.database, copy);
-    for (const QString &ending : companions)
-        copied = copied && QFile::copy(folder_.database + ending, copy + ending);
-    if (!copied) {
-        terminal::print_error(folder_.database +
-                              u": an unfinished transaction lies beside it, and it could not be "
-                              "copied to the temporary folder");
-        return false;
+    // A report opens a result several times: its copy serves until another result needs one.
+    static std::shared_ptr<private_copy> last;
+    if (!last || last->of != folder_.database) {
+        last.reset();
+        auto made = std::make_shared<private_copy>(folder_.database);
+        bool copied = made->folder.isValid();
+        for (const QString &ending : QStringList(QString()) + companions) {
+            const QString copy = made->path() + ending;
+            copied = copied && QFile::copy(folder_.database + ending, copy) &&
+                     QFile::setPermissions(copy, QFile::ReadOwner | QFile::WriteOwner);
+        }
+        if (!copied) {
+            terminal::print_error(folder_.database +
+                                  u": an unfinished transaction lies beside it, and it could not "
+                                  "be copied to the temporary folder");
+            return false;
+        }
+        last = std::move(made);
     }
-    for (const QString &path : QStringList(copy) + QStringList(copy + companions.constFirst()))
-        QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner);
+    copy_ = last;
     terminal::print_note(folder_.database +
                          u": an unfinished transaction lies beside it (a run that goes on or was "
                          "cut off); a copy is read");
-    return open(copy, true);
+    return open(copy_->path(), true);
 }
 
 bool result_database::open(const QString &path, bool is_copy)

@@ -3,7 +3,6 @@
 #include "report/result_folder.h"
 
 #include <QStringList>
-#include <QTemporaryDir>
 
 #include <memory>
 #include <optional>
@@ -11,6 +10,7 @@
 #include <string_view>
 #include <vector>
 
+struct private_copy;
 struct sqlite3;
 struct sqlite3_stmt;
 
@@ -54,7 +54,8 @@ private:
 
     sqlite3_stmt *statement_;
     std::vector<int> places_; ///< of each wanted column in the statement; -1 for missing ones
-    std::vector<std::string> storage_;
+    std::vector<std::string> storage_; ///< texts that are not as SQLite has them
+    std::vector<bool> stored_;         ///< whether this row's text lies there
     QString what_;
     bool by_id_;
     qint64 rows_left_;
@@ -91,7 +92,7 @@ public:
 
 private:
     bool open(const QString &path, bool is_copy);
-    bool copy_with_companions(const QStringList &companions);
+    bool open_copy(const QStringList &companions);
     bool can_be_asked();
     void restrict_file();
     void read_tables();
@@ -102,7 +103,7 @@ private:
 
     result_folder folder_;
     sqlite3 *database_ = nullptr;
-    std::unique_ptr<QTemporaryDir> copies_;
+    std::shared_ptr<private_copy> copy_; ///< where the file itself cannot be read
     std::vector<stored_table> tables_;
     qint64 size_ = 0;
     qint64 steps_left_ = 0;

@@ -8,8 +8,8 @@ using namespace Qt::StringLiterals;
 
 row_cursor::row_cursor(sqlite3_stmt *statement, const std::vector<int> &columns, QString what,
                        bool by_id, qint64 most_rows)
-    : statement_(statement), storage_(columns.size()), what_(std::move(what)), by_id_(by_id),
-      rows_left_(most_rows)
+    : statement_(statement), storage_(columns.size()), stored_(columns.size()),
+      what_(std::move(what)), by_id_(by_id), rows_left_(most_rows)
 {
     int place = 1; // behind the row id
     for (const int column : columns)
@@ -18,8 +18,9 @@ row_cursor::row_cursor(sqlite3_stmt *statement, const std::vector<int> &columns,
 
 row_cursor::row_cursor(row_cursor &&other) noexcept
     : statement_(std::exchange(other.statement_, nullptr)), places_(std::move(other.places_)),
-      storage_(std::move(other.storage_)), what_(std::move(other.what_)), by_id_(other.by_id_),
-      rows_left_(other.rows_left_), last_id_(other.last_id_)
+      storage_(std::move(other.storage_)), stored_(std::move(other.stored_)),
+      what_(std::move(other.what_)), by_id_(other.by_id_), rows_left_(other.rows_left_),
+      last_id_(other.last_id_)
 {
 }
 
@@ -31,6 +32,7 @@ row_cursor::~row_cursor()
 bool row_cursor::next()
 {
     const int result = sqlite3_step(statement_);
+    stored_.assign(stored_.size(), false);
     if (result == SQLITE_ROW) {
         // Pages that refer to each other in circles give the same rows again and again.
         const bool again = by_id_ && last_id_ && row_id() <= *last_id_;
@@ -73,6 +75,8 @@ std::string_view row_cursor::text(size_t column)
     if (is_null(column))
         return {};
     std::string &storage = storage_[column];
+    if (stored_[column]) // made before: texts that were given out must stay
+        return storage;
     if (is_bytes(column)) {
         const void *bytes = sqlite3_column_blob(statement_, place(column));
         const int size = sqlite3_column_bytes(statement_, place(column));
@@ -80,6 +84,7 @@ std::string_view row_cursor::text(size_t column)
                              .toHex()
                              .toUpper()
                              .toStdString();
+        stored_[column] = true;
         return storage;
     }
     const auto *text =
@@ -87,7 +92,9 @@ std::string_view row_cursor::text(size_t column)
     if (text == nullptr)
         return {};
     const int size = sqlite3_column_bytes(statement_, place(column));
-    return texts::valid_utf8({text, static_cast<size_t>(size)}, storage);
+    const std::string_view valid = texts::valid_utf8({text, static_cast<size_t>(size)}, storage);
+    stored_[column] = valid.data() == storage.data();
+    return valid;
 }
 
 std::optional<qint64> row_cursor::whole_number(size_t column)

@@ -7,7 +7,7 @@
 
 #include <QDir>
 #include <QFile>
-#include <QFileInfo>
+#include <QStorageInfo>
 #include <QTemporaryDir>
 
 #include <xlsxwriter.h>
@@ -73,8 +73,10 @@ public:
         options.tmpdir = folder_.data();
         options.use_zip64 = LXW_TRUE;
         book_ = scratch_.isValid() ? workbook_new_opt(name_.constData(), &options) : nullptr;
-        if (book_ == nullptr)
+        if (book_ == nullptr) {
+            problem_ = u"no temporary folder can be made"_s;
             return;
+        }
         header_ = workbook_add_format(book_);
         format_set_bold(header_);
         format_set_bg_color(header_, 0xE3EAF2);
@@ -94,11 +96,34 @@ public:
         return workbook_add_worksheet(book_, free_name(name).c_str());
     }
 
-    /// The library's number of what went wrong; 0 when nothing did.
-    int close()
+    /// Whether all rows of the sheet so far lie in its temporary file: the library does not look.
+    bool has_kept(lxw_worksheet *sheet)
+    {
+        FILE *const rows = sheet->optimize_tmpfile;
+        if (rows == nullptr)
+            return true;
+        if (std::fflush(rows) != 0 || std::ferror(rows) != 0) {
+            problem_ = u"no room in the temporary folder "_s + scratch_.path();
+            return false;
+        }
+        largest_sheet_ = qMax(largest_sheet_, qint64{std::ftell(rows)});
+        return true;
+    }
+
+    /// Writes the file. What went wrong, empty when nothing did.
+    QString close()
     {
         lxw_workbook *const book = std::exchange(book_, nullptr);
-        return book == nullptr ? 0 : static_cast<int>(workbook_close(book));
+        if (book == nullptr)
+            return problem_;
+        // The library makes a second copy of each sheet, in turn, and does not look at that either.
+        constexpr qint64 reserve = qint64{1} << 20;
+        if (QStorageInfo(scratch_.path()).bytesAvailable() < largest_sheet_ + reserve)
+            problem_ = u"no room in the temporary folder "_s + scratch_.path();
+        const lxw_error error = workbook_close(book);
+        if (problem_.isEmpty() && error != LXW_NO_ERROR)
+            problem_ = QString::fromUtf8(lxw_strerror(error));
+        return problem_;
     }
 
 private:
@@ -125,6 +150,8 @@ private:
     lxw_workbook *book_ = nullptr;
     lxw_format *header_ = nullptr;
     lxw_format *date_ = nullptr;
+    QString problem_;
+    qint64 largest_sheet_ = 0;
     std::set<std::string> names_;
 };
 
@@ -141,32 +168,34 @@ public:
 
     bool add(const std::string &case_name, row_cursor &row)
     {
-        if (sheet_ == nullptr || row_ == most_rows)
-            begin_sheet();
-        if (sheet_ == nullptr)
+        if ((sheet_ == nullptr || row_ == most_rows) && !begin_sheet())
             return false;
         column_ = 0;
         write_text(case_name);
         for (size_t i = 0; i < columns_.size(); ++i)
             write_value(row, i);
-        ++row_;
-        return true;
+        constexpr lxw_row_t rows_between_looks = 4096;
+        return ++row_ % rows_between_looks != 0 || book_.has_kept(sheet_);
     }
 
-    void end()
+    /// False when rows were lost.
+    bool end()
     {
-        if (sheet_ != nullptr && row_ > 0)
-            worksheet_autofilter(sheet_, 0, 0, row_ - 1, static_cast<lxw_col_t>(column_ - 1));
-        sheet_ = nullptr;
+        lxw_worksheet *const sheet = std::exchange(sheet_, nullptr);
+        if (sheet == nullptr)
+            return true;
+        worksheet_autofilter(sheet, 0, 0, row_ - 1, static_cast<lxw_col_t>(column_ - 1));
+        return book_.has_kept(sheet);
     }
 
 private:
-    void begin_sheet()
+    bool begin_sheet()
     {
-        end();
+        if (!end())
+            return false;
         sheet_ = book_.add_sheet(table_.label);
         if (sheet_ == nullptr)
-            return;
+            return false;
         worksheet_freeze_panes(sheet_, 1, 0);
         row_ = 0;
         column_ = 0;
@@ -178,6 +207,7 @@ private:
                 write_header(column.name + " (" + zone_.name() + ")", time_width);
         }
         ++row_;
+        return true;
     }
 
     static bool is_date(const surveyed_column &column)
@@ -240,7 +270,7 @@ private:
 };
 
 /// False, and told, where the workbook could not be written.
-bool fill(const QString &path, const std::vector<result_folder> &results,
+bool fill(const QString &path, const QString &shown_path, const std::vector<result_folder> &results,
           const result_survey &found, const instants::zone &zone)
 {
     workbook book(path);
@@ -254,15 +284,14 @@ bool fill(const QString &path, const std::vector<result_folder> &results,
             empty = false;
             return made = sheets.add(results[case_index].name, row);
         });
-        sheets.end();
+        made = sheets.end() && made;
     }
     if (made && empty)
         made = book.add_sheet("No rows") != nullptr;
-    const int error = book.close();
-    if (made && error == 0)
+    const QString problem = book.close();
+    if (made && problem.isEmpty())
         return !terminal::interrupted();
-    terminal::print_error(u"cannot write " + path + u": " +
-                          QString::fromUtf8(lxw_strerror(static_cast<lxw_error>(error))));
+    terminal::print_error(u"cannot write " + shown_path + u": " + problem);
     return false;
 }
 
@@ -273,7 +302,7 @@ void write_spreadsheet(const QString &path, const std::vector<result_folder> &re
 {
     // Under its name only when it is complete.
     const QString unfinished = path + u".unfinished";
-    if (!fill(unfinished, results, found, zone)) {
+    if (!fill(unfinished, path, results, found, zone)) {
         QFile::remove(unfinished);
         return;
     }

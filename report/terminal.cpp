@@ -3,6 +3,7 @@
 #include "report/texts.h"
 
 #include <QElapsedTimer>
+#include <QSet>
 
 #include <atomic>
 #include <cerrno>
@@ -52,6 +53,12 @@ void show_status(const QString &line)
 
 void print_line(const QString &text)
 {
+    constexpr qsizetype most_remembered = 10'000;
+    static QSet<QString> printed;
+    if (printed.contains(text))
+        return;
+    if (printed.size() < most_remembered)
+        printed.insert(text);
     if (status_length > 0) {
         show_status(QString());
         std::fputs("\r", stderr);

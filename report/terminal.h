@@ -8,7 +8,8 @@ namespace terminal
 {
 
 /// One line on standard error, "opera_report: " and the text, without anything that could steer the
-/// terminal. Counts as a failure: exit_status() is 1 from then on.
+/// terminal; the same line once, since a result is read several times. Counts as a failure:
+/// exit_status() is 1 from then on.
 void print_error(const QString &text);
 /// The same for what is worth knowing but no failure.
 void print_note(const QString &text);

@@ -86,8 +86,10 @@ timeline_counts read_timeline(const std::vector<result_folder> &results,
         }
         if (++counts.events % 4096 == 0)
             terminal::show_progress(u"writing events"_s, counts.events);
-        return taken = take(event) && !terminal::interrupted();
+        taken = take(event);
+        return taken && !terminal::interrupted();
     });
+    counts.refused = !taken;
     counts.complete = sorted && taken && !terminal::interrupted();
     return counts;
 }

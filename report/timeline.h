@@ -12,6 +12,7 @@ struct timeline_counts {
     qint64 repeated = 0; ///< left out because another row told of the same
     qint64 impossible_times = 0;
     bool complete = false; ///< false where temporary files failed or the run was interrupted
+    bool refused = false;  ///< `take` wanted no more
 };
 
 /// Opens the results one after another and gives their events to `take` in order of time. What two

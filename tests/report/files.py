@@ -141,6 +141,14 @@ def check_unfinished(checks, programs, result, folder):
     checks.check(contents(home) == before, "a companion changed")
 
 
+def check_no_room(checks, programs, result, folder):
+    """A file that cannot be written is told and does not stand there as if it were whole."""
+    for option, name in (("--timeline", "f.csv"), ("--html", "f.html"), ("--xlsx", "f.xlsx"), ("--csv", "f")):
+        answer = results.report(programs, result, option, folder / name, largest_file=100_000)
+        whole = [path for path in (folder / name, folder / name / "history.csv") if path.is_file()]
+        checks.check(answer.returncode == 1 and b"cannot write" in answer.stderr and not whole, (option, answer, whole))
+
+
 def check_usage(checks, programs, result, folder):
     for status, *arguments in ((2,), (2, result, "--timeline", "x.txt"), (2, result, "--zone", "Mars/Olympus"),
                                (2, result, "--html", ""), (1, folder / "nothing"),
@@ -162,6 +170,7 @@ def main():
         check_cookies(checks, programs, result, folder)
         check_search(checks, programs, result)
         check_broken(checks, programs, result, folder)
+        check_no_room(checks, programs, result, folder)
         check_usage(checks, programs, result, folder)
         checks.check(contents(result) == before, "the result changed")
         check_unfinished(checks, programs, result, folder)

@@ -2,6 +2,7 @@
 
 import json
 import pathlib
+import resource
 import shutil
 import sqlite3
 import subprocess
@@ -51,6 +52,9 @@ def add_hostile_rows(result):
         (icon,) = database.execute("select icon_copy_path from extensions where icon_copy_path <> ''").fetchone()
         database.execute("insert into extensions(system_user, name, icon_copy_path) "
                          "values('eve', 'outside', './../../../secret.png')")
+        for _ in range(3):  # no text where the result has texts
+            database.execute("insert into cookies(system_user, secure, host_key, name, path, creation_utc, "
+                             "source_file) values('eve', 'NO', x'00ff', cast(x'61ff' as text), cast(x'c328ff' as text), ?, x'ff2f')", (SECOND,))
         database.execute("create table \"<b>odd\"\" table\" (\"<i>\" text, \"=1+1\" text)")
         database.execute("insert into \"<b>odd\"\" table\" values(?, ?)", (SCRIPT, FORMULA))
     database.close()
@@ -62,9 +66,10 @@ def add_hostile_rows(result):
     (home / "Opera_run.json").write_text(json.dumps({"format": "opera_run", "version": 1, "runs": [run, None]}))
 
 
-def report(programs, *arguments):
+def report(programs, *arguments, largest_file=resource.RLIM_INFINITY):
     """Runs opera_report and gives what it printed."""
-    return subprocess.run([programs / "opera_report", *arguments], capture_output=True, timeout=250, check=False)
+    return subprocess.run([programs / "opera_report", *arguments], capture_output=True, timeout=250, check=False,
+                          preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (largest_file, largest_file)))
 
 
 class Checks:

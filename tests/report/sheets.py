@@ -88,6 +88,7 @@ def main():
                         FILTER, "--outdir", folder / "csv", folder / "r.xlsx"],
                        check=True, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, timeout=200)
         database = sqlite3.connect(results.database_of(result))
+        database.text_factory = lambda text: text.decode(errors="replace")
         for table, label in (("history", "History"), ("downloads", "Downloads"), ("cookies", "Cookies"),
                              ("logins", "Saved logins"), ('<b>odd"" table', "_b_odd_ table")):
             check_table(checks, database, folder / "csv" / f"r-{label}.csv", table)
