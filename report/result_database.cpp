@@ -5,6 +5,7 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QSet>
 #include <QTemporaryDir>
 #include <QUrl>
 
@@ -182,8 +183,27 @@ int result_database::spend(void *self)
     return left < 0 || terminal::interrupted() ? 1 : 0;
 }
 
+/// Rows that a damaged page hides are missed by nobody: SQLite looks for them when it is asked to.
+void result_database::check_once()
+{
+    static QSet<QString> checked;
+    if (checked.contains(folder_.database))
+        return;
+    checked.insert(folder_.database);
+    terminal::show_progress(u"checking results"_s, checked.size());
+    steps_left_ = steps_in_any_case + size_ * steps_per_byte;
+    statement check(database_, "PRAGMA quick_check(1)");
+    const std::string found = check.next() ? check.text(0) : std::string(sqlite3_errmsg(database_));
+    if (found != "ok" && !terminal::interrupted())
+        terminal::print_error(folder_.database + u" is damaged (" +
+                              texts::to_qstring(found).simplified() +
+                              u"); what can be read of it is");
+    steps_left_ = steps_in_any_case;
+}
+
 void result_database::read_tables()
 {
+    check_once();
     statement list(database_, "SELECT name, type FROM pragma_table_list WHERE schema = 'main' AND "
                               "name NOT LIKE 'sqlite\\_%' ESCAPE '\\' ORDER BY name");
     while (list.next() && tables_.size() < most_tables) {

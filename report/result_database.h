@@ -95,6 +95,7 @@ private:
     bool open_copy(const QStringList &companions);
     bool can_be_asked();
     void restrict_file();
+    void check_once();
     void read_tables();
     void read_columns(stored_table &table);
     std::optional<row_cursor> select(const stored_table &table, const std::vector<int> &columns,

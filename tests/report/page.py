@@ -108,6 +108,20 @@ def check_keyboard(checks, browser):
                                  "document.activeElement.querySelector('details').open") is state, f"Enter: {state}")
 
 
+def check_policy(checks, browser):
+    """Even a text that got through could load nothing and run nothing."""
+    for directive, attempt in (("connect-src", "fetch('http://127.0.0.1:9/')"),
+                               ("img-src", "new Image().src = 'http://127.0.0.1:9/'"),
+                               ("frame-src", "add('iframe').src = 'http://127.0.0.1:9/'"),
+                               ("style-src-elem", "add('style').textContent = 'b {}'"),
+                               ("require-trusted-types-for", "document.body.innerHTML = '<b>'")):
+        seen = browser.run("new Promise(done => { document.addEventListener('securitypolicyviolation', "
+                           "event => done(event.effectiveDirective), {once: true}); setTimeout(() => done('none'), 3000); "
+                           "const add = (name) => document.body.appendChild(document.createElement(name)); "
+                           f"try {{ const attempt = {attempt}; attempt.catch?.(() => 0); }} catch {{}} }})")
+        checks.check(seen == directive, f"{attempt}: stopped by {seen}")
+
+
 def check_control(checks, page):
     """The same page without its protection runs what it holds: the checks above can fail."""
     text = page.read_text(encoding="utf-8")
@@ -146,6 +160,7 @@ def main():
             browser.size(390, 844, mobile=True)
             checks.check(browser.run("document.documentElement.scrollWidth") <= 390, "wider than a phone")
             check_harmless(checks, browser, page)
+            check_policy(checks, browser)
         check_control(checks, page)
     return checks.status()
 
