@@ -2,7 +2,7 @@
 
 project_dir=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 build_packages=(g++ cmake ninja-build qt6-base-dev libqt6sql6-sqlite libsqlite3-dev
-    libplist-dev libexiv2-dev)
+    libplist-dev libexiv2-dev libxlsxwriter-dev)
 sanitizer_packages=(clang libclang-rt-14-dev)
 
 as_root() {
@@ -27,14 +27,16 @@ install_missing() {
         $missing >/dev/null
 }
 
-# build_preset PRESET: configures when needed and builds; prints only what goes wrong.
+# build_preset PRESET [TARGET...]: configures when needed and builds all or the targets; prints only
+# what goes wrong.
 build_preset() {
     local preset=$1 log
+    local targets=("${@:2}")
     log=$(mktemp)
     if ! {
         { [ -f "$project_dir/build/$preset/build.ninja" ] ||
             (cd "$project_dir" && cmake --preset "$preset"); } &&
-            (cd "$project_dir" && cmake --build --preset "$preset")
+            (cd "$project_dir" && cmake --build --preset "$preset" ${targets[@]:+--target "${targets[@]}"})
     } >"$log" 2>&1; then
         cat "$log" >&2
         rm -f "$log"

@@ -18,6 +18,7 @@ macos: common
 winos: common
 plugin: common macos winos
 host: plugin/opera.h common/host_records.h
+report:
 sample:"
 
 status=0
