@@ -1,5 +1,6 @@
 // Downloads, from the "History" file, and what the source still holds of the downloaded files.
 
+#include "common/artefacts/history_tables.h"
 #include "common/evidence/evidence_file.h"
 #include "common/evidence/file_paths.h"
 #include "common/evidence/native_path.h"
@@ -56,15 +57,11 @@ QVariant url_chain(source_row &row, int id_column)
     return urls;
 }
 
-keyed_select url_chains(failure_lines failed)
+keyed_select chain_of_download(failure_lines failed)
 {
     return {.statement = "select url from downloads_url_chains where id = ?",
             .failed = std::move(failed),
-            .table = {.name = "downloads_url_chains",
-                      .key = "id",
-                      .type = own_table::key_type::number,
-                      .columns = "url",
-                      .order = "chain_index"},
+            .table = url_chains,
             .keys_ascend = true};
 }
 
@@ -208,7 +205,7 @@ const database_reader macos_readers::download_11 = {
                               os_scheme_display,
                               source_count_name}},
     }},
-    .look_ups = {url_chains(
+    .look_ups = {chain_of_download(
         query_failure(with_path("[extract_download_11]source_url_chain_query execution "
                                 "-----FAILED------ for file --->>>")))},
 };
@@ -232,7 +229,7 @@ const database_reader macos_readers::download = {
                   .select_failed = query_failure("[extract_download]source_dwnld query execution "
                                                  "--------FAILED--2----"),
                   .insert = older_insertion(from_row(url_chain, 1), as_stored(6), 2)}},
-    .look_ups = {url_chains(
+    .look_ups = {chain_of_download(
         query_failure(with_path("[extract_download]source_url_chain_query execution "
                                 "--------FAILED------- for file --->>>")))},
 };

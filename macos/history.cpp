@@ -1,5 +1,6 @@
 // History and search terms, from the "History" file.
 
+#include "common/artefacts/history_tables.h"
 #include "common/values/text_values.h"
 #include "common/values/time_values.h"
 #include "macos/macos_readers.h"
@@ -141,16 +142,7 @@ const database_reader macos_readers::search_items_11 = {
                               source_file_path, relation_source_file, os_scheme_display,
                               source_count_name}},
     }},
-    .own_tables = {{.name = "keyword_search_terms",
-                    .key = "url_id",
-                    .type = own_table::key_type::number,
-                    .columns = "term",
-                    .indexed = false},
-                   {.name = "urls",
-                    .key = "id",
-                    .type = own_table::key_type::number,
-                    .columns = "url, title, last_visit_time",
-                    .filter = "id in (select url_id from main.keyword_search_terms not indexed)"}},
+    .own_tables = search_tables("url, title, last_visit_time"),
 };
 
 const database_reader macos_readers::search_items = {
@@ -180,16 +172,7 @@ const database_reader macos_readers::search_items = {
                               source_file_path, relation_source_file, os_scheme_display,
                               source_count_name}},
     }},
-    .own_tables = {{.name = "keyword_search_terms",
-                    .key = "url_id",
-                    .type = own_table::key_type::number,
-                    .columns = "term",
-                    .indexed = false},
-                   {.name = "urls",
-                    .key = "id",
-                    .type = own_table::key_type::number,
-                    .columns = "url",
-                    .filter = "id in (select url_id from main.keyword_search_terms not indexed)"}},
+    .own_tables = search_tables("url"),
 };
 
 int opera_macos::extract_history_11()

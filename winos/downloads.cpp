@@ -1,5 +1,6 @@
 // Downloads, from the "History" file, and what the source still holds of the downloaded files.
 
+#include "common/artefacts/history_tables.h"
 #include "common/evidence/evidence_file.h"
 #include "common/evidence/file_paths.h"
 #include "common/values/text_values.h"
@@ -112,11 +113,7 @@ const database_reader winos_readers::history_download = {
                   .failed = open_failure(
                       with_path("[extract_history_download]source_url_chain_query execution "
                                 "---FAILED--- for file --->>>")),
-                  .table = {.name = "downloads_url_chains",
-                            .key = "id",
-                            .type = own_table::key_type::number,
-                            .columns = "url",
-                            .order = "chain_index"},
+                  .table = url_chains,
                   .keys_ascend = true}},
 };
 

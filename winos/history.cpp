@@ -1,5 +1,6 @@
 // History and search terms, from the "History" file.
 
+#include "common/artefacts/history_tables.h"
 #include "common/debug_log.h"
 #include "common/evidence/file_paths.h"
 #include "common/values/text_values.h"
@@ -123,16 +124,7 @@ const database_reader winos_readers::search_items = {
                               as_stored(1), // url
                               source_file_path, os_scheme_display, source_count_name}},
     }},
-    .own_tables = {{.name = "keyword_search_terms",
-                    .key = "url_id",
-                    .type = own_table::key_type::number,
-                    .columns = "term",
-                    .indexed = false},
-                   {.name = "urls",
-                    .key = "id",
-                    .type = own_table::key_type::number,
-                    .columns = "url",
-                    .filter = "id in (select url_id from main.keyword_search_terms not indexed)"}},
+    .own_tables = search_tables("url"),
 };
 
 QString opera_winos::file_url_to_unix_name(const QString &file_url) const

@@ -34,6 +34,25 @@ const database_reader reader = {
                              .values = {as_stored(0), source_file_path}}}},
 };
 
+/// Writes each value of table t with the text that table d has for it.
+const database_reader by_look_up = {
+    .signature = "int tests::look_up()",
+    .starts = "starts",
+    .destination_failed = {},
+    .source_failed = {},
+    .insert_failed = {},
+    .ends = "ends",
+    .readings = {{.select = "select a from t",
+                  .select_failed = {"select failed"},
+                  .insert = {.sql = "insert into r(a, f) values(?,?)",
+                             .values = {as_stored(0), derived(0)}}}},
+    .look_ups =
+        {{.statement = "select b from d where k = ?",
+          .failed = query_failure("look-up failed"),
+          .table = {.name = "d", .key = "k", .type = own_table::key_type::number, .columns = "b"},
+          .keys_ascend = true}},
+};
+
 const QByteArray numbers = "create table t(a); with recursive n(i) as (select 1 union all select "
                            "i+1 from n where i<5) insert into t select i from n;";
 
@@ -355,25 +374,6 @@ void extraction_test::look_ups_data()
 /// Sixty thousand rows would take minutes if every look-up read the table from end to end.
 void extraction_test::look_ups()
 {
-    static const database_reader by_look_up = {
-        .signature = "int tests::look_up()",
-        .starts = "starts",
-        .destination_failed = {},
-        .source_failed = {},
-        .insert_failed = {},
-        .ends = "ends",
-        .readings = {{.select = "select a from t",
-                      .select_failed = {"select failed"},
-                      .insert = {.sql = "insert into r(a, f) values(?,?)",
-                                 .values = {as_stored(0), derived(0)}}}},
-        .look_ups = {{.statement = "select b from d where k = ?",
-                      .failed = {"look-up failed"},
-                      .table = {.name = "d",
-                                .key = "k",
-                                .type = own_table::key_type::number,
-                                .columns = "b"},
-                      .keys_ascend = true}},
-    };
     QFETCH(QByteArray, change);
     frame_case c;
     const QString path =
@@ -407,25 +407,6 @@ void extraction_test::look_ups()
 /// A page of the table that holds the keys' rows cannot be read: what other pages hold is found.
 void extraction_test::look_ups_around_damage()
 {
-    static const database_reader by_look_up = {
-        .signature = "int tests::around()",
-        .starts = "starts",
-        .destination_failed = {},
-        .source_failed = {},
-        .insert_failed = {},
-        .ends = "ends",
-        .readings = {{.select = "select a from t",
-                      .select_failed = {},
-                      .insert = {.sql = "insert into r(a, f) values(?,?)",
-                                 .values = {as_stored(0), derived(0)}}}},
-        .look_ups = {{.statement = "select b from d where k = ",
-                      .failed = query_failure("look-up failed"),
-                      .table = {.name = "d",
-                                .key = "k",
-                                .type = own_table::key_type::number,
-                                .columns = "b"},
-                      .keys_ascend = true}},
-    };
     frame_case c;
     const QString path = c.add(
         u"f"_s, "create table t(a integer); create table d(k integer, b);"
