@@ -150,22 +150,33 @@ file_result write_rows(const file_reading &reading, main_select &select, row_ins
     return file_result::done;
 }
 
-/// The SELECT as it is run: one that names a single table goes over that table itself.
+/// The SELECT as it is run: one that names a single table goes over that table itself. Null when
+/// it names computed columns.
 QString as_scan(const file_reading &reading, const QString &select)
 {
     static const QRegularExpression of_one_table(u"^select (.*) from (\\w+)$"_s,
                                                  QRegularExpression::CaseInsensitiveOption);
+    const std::vector<own_table> &own_tables = reading.reader.own_tables;
     const auto match = of_one_table.match(select.simplified());
-    if (!match.hasMatch())
-        return select;
+    if (!match.hasMatch()) {
+        const bool computes = std::ranges::any_of(own_tables, [&](const own_table &own) {
+            return kind_of(reading.source, QString::fromUtf8(own.name),
+                           QString::fromUtf8(own.key) + u',' + QString::fromUtf8(own.columns)) ==
+                   column_kind::computed;
+        });
+        return computes ? QString() : select;
+    }
     const QString table = match.captured(2);
-    const bool is_own = std::ranges::any_of(reading.reader.own_tables, [&](const own_table &own) {
-        return table == QLatin1StringView(own.name);
-    });
     QString columns = match.captured(1);
-    // Columns that the schema computes, or fills with long defaults, make much of little.
-    if (!stores_its_values(reading.source, table))
+    const column_kind kind = kind_of(reading.source, table, columns);
+    if (kind == column_kind::computed)
+        return {};
+    if (kind == column_kind::amplified) {
         columns = cut_columns(columns.remove(table + u'.'));
+        reading.tell(u" long default values are cut -----FAILED-----"_s);
+    }
+    const bool is_own = std::ranges::any_of(
+        own_tables, [&](const own_table &own) { return table == QLatin1StringView(own.name); });
     return u"select "_s + columns + u" from " + (is_own ? u"main."_s : QString()) + table +
            u" not indexed";
 }
@@ -205,6 +216,10 @@ file_result read_by(const source_reading &way, const keyed_select *joined,
 {
     const QString text = QString::fromUtf8(way.select);
     const QString scan = as_scan(reading, text);
+    if (scan.isNull()) {
+        reading.failures.log(way.select_failed, computed_columns_error(), text);
+        return file_result::unknown_schema;
+    }
     qint64 taken = 0;
     if (joined != nullptr) {
         main_select select{text, {reading.source, with_joined_row(scan, *joined)}};

@@ -37,6 +37,7 @@ public:
 
 private:
     bool page_count_is_possible();
+    bool schema_computes();
 
     const qint64 size_;
     sqlite_guard guard_;

@@ -55,14 +55,27 @@ keyed_rows::keyed_rows(const keyed_select &select, const QString &connection_nam
 {
     if (!is_open())
         return;
-    error_ = guarded_query(connection_, key_statement(select_.statement).executed()).error_text();
+    const own_table &table = select_.table;
+    const QString name = QString::fromUtf8(table.name);
+    const QString key = QString::fromUtf8(table.key);
+    const column_kind kind = kind_of(connection_, name, statement_columns() + u',' + key);
+    error_ =
+        kind == column_kind::computed
+            ? computed_columns_error()
+            : guarded_query(connection_, key_statement(select_.statement).executed()).error_text();
     if (!error_.isEmpty())
         return;
-    if (sound && select_.keys_ascend &&
-        stores_its_values(connection_, QString::fromUtf8(select_.table.name)))
+    if (sound && select_.keys_ascend && kind == column_kind::stored &&
+        holds_numbers(connection_, name, key))
         begin_walk();
     else
         make_table();
+}
+
+QString keyed_rows::statement_columns() const
+{
+    const QString statement = QString::fromUtf8(select_.statement).simplified();
+    return statement.mid(7).section(u" from "_s, 0, 0); // behind "select "
 }
 
 void keyed_rows::begin_walk()

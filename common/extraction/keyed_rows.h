@@ -64,6 +64,7 @@ public:
     found_rows find(const QVariant &key, const row_function &each);
 
 private:
+    QString statement_columns() const;
     void begin_walk();
     found_rows walk_to(qint64 key, const row_function &each);
     void make_table();

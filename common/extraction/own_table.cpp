@@ -5,6 +5,7 @@
 #include <QStringList>
 #include <QVariant>
 
+#include <algorithm>
 #include <limits>
 #include <optional>
 #include <utility>
@@ -14,7 +15,7 @@ using namespace Qt::StringLiterals;
 namespace
 {
 
-constexpr qsizetype long_default = 1'000; ///< characters of all defaults of a table
+constexpr qsizetype long_default = 1'000; ///< characters
 
 /// Copies rows one by one, past what cannot be read.
 class row_copy
@@ -78,8 +79,10 @@ private:
     /// The first row id behind the last one from which rows can be read: pages hold ranges of ids.
     std::optional<qint64> next_readable()
     {
-        if (connection_.guard().is_used_up() || last_ == std::numeric_limits<qint64>::min())
+        if (connection_.guard().is_used_up())
             return std::nullopt;
+        // Nothing was read before the first unreadable page: browsers count from 1.
+        last_ = std::max(last_, 0LL);
         qint64 unreadable = last_;
         qint64 step = 1;
         constexpr qint64 last_step = 1LL << 60;
@@ -106,12 +109,6 @@ private:
     qint64 last_ = 0;
     bool full_ = false;
 };
-
-/// The columns, cut where the table's values stand for more than they take in the file.
-QString stored_part(guarded_connection &connection, const QString &table, const QString &columns)
-{
-    return stores_its_values(connection, table) ? columns : cut_columns(columns);
-}
 
 /// Makes the table, with as many of the wanted columns as the evidence must have, and an index.
 /// Returns its columns; empty when that fails.
@@ -158,39 +155,52 @@ QString cut_columns(const QString &columns)
     return names.join(u", "_s);
 }
 
-bool stores_its_values(guarded_connection &connection, const QString &table)
+column_kind kind_of(guarded_connection &connection, const QString &table, const QString &columns)
 {
-    guarded_query columns(connection, u"PRAGMA main.table_xinfo("_s + table + u')');
-    qsizetype defaults = 0;
-    if (!columns.execute())
-        return false;
-    while (columns.next()) {
-        enum { default_value = 4, hidden = 6 };
-        defaults += columns.value(default_value).toString().size();
-        if (columns.value(hidden).toInt() != 0 || defaults > long_default)
-            return false;
+    QStringList names = columns.split(u',');
+    for (QString &name : names)
+        name = name.section(u'.', -1).trimmed();
+    guarded_query described(connection, u"PRAGMA main.table_xinfo("_s + table + u')');
+    auto worst = column_kind::stored;
+    for (described.execute(); described.next();) {
+        enum { name = 1, default_value = 4, hidden = 6 };
+        if (!names.contains(described.value(name).toString(), Qt::CaseInsensitive))
+            continue;
+        if (described.value(hidden).toInt() != 0)
+            return column_kind::computed;
+        if (described.value(default_value).toString().size() > long_default)
+            worst = column_kind::amplified;
     }
-    return columns.error_text().isEmpty();
+    return worst;
 }
 
-QString scan_of(guarded_connection &connection, const QString &table, const QString &columns)
+bool holds_numbers(guarded_connection &connection, const QString &table, const QString &column)
 {
-    return u"select "_s + stored_part(connection, table, columns) + u" from main." + table +
-           u" not indexed";
+    guarded_query described(connection, u"PRAGMA main.table_xinfo("_s + table + u')');
+    for (described.execute(); described.next();) {
+        enum { name = 1, type = 2 };
+        if (described.value(name).toString().compare(column, Qt::CaseInsensitive) == 0)
+            return described.value(type).toString().contains("INT"_L1, Qt::CaseInsensitive);
+    }
+    return false;
 }
 
 QString make_own_table(guarded_connection &connection, const own_table &table)
 {
+    const QString name = QString::fromUtf8(table.name);
+    const QString wanted = QString::fromUtf8(table.key) + u", " + QString::fromUtf8(table.columns);
+    const column_kind kind = kind_of(connection, name, wanted);
+    if (kind == column_kind::computed)
+        return computed_columns_error();
     const QString columns = create(connection, table);
     if (columns.isEmpty())
         return {};
-    const QString name = QString::fromUtf8(table.name);
-    QString fill =
-        u"insert or ignore into temp."_s + name + u' ' + scan_of(connection, name, columns);
+    const QString taken = kind == column_kind::stored ? columns : cut_columns(columns);
+    QString fill = u"insert or ignore into temp."_s + name + u" select " + taken + u" from main." +
+                   name + u" not indexed";
     if (table.filter)
         fill += u" where "_s + QString::fromUtf8(table.filter);
-    guarded_query all(connection, fill);
-    if (all.execute())
+    if (guarded_query(connection, fill).execute())
         return {};
-    return row_copy(connection, name, stored_part(connection, name, columns)).copy_all();
+    return row_copy(connection, name, taken).copy_all();
 }

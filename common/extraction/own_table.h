@@ -26,13 +26,23 @@ struct own_table {
 /// Empty, or what kept the copy from having all rows; without a table to copy, none is made.
 QString make_own_table(guarded_connection &connection, const own_table &table);
 
-/// The columns, separated by commas, as expressions that cut long values.
+/// How a table's columns relate to what its rows store.
+enum class column_kind {
+    stored,
+    amplified, ///< has a default that stands for many times its size
+    computed,  ///< not to be named in a statement: preparing it may take any time and memory
+};
+/// What is logged for a statement that names computed columns.
+inline QString computed_columns_error()
+{
+    return QStringLiteral("the schema computes a column");
+}
+/// The worst of the columns, which are separated by commas; those that do not exist are stored.
+column_kind kind_of(guarded_connection &connection, const QString &table, const QString &columns);
+
+/// The columns as expressions that cut long values.
 QString cut_columns(const QString &columns);
 
-/// True when every value of the table is stored once, in its row: no column is computed, and none
-/// has a default that stands for many times its size.
-bool stores_its_values(guarded_connection &connection, const QString &table);
-
-/// The SELECT that reads columns of one table in the order of its rows, with values cut that stand
-/// for more than they take in the file.
-QString scan_of(guarded_connection &connection, const QString &table, const QString &columns);
+/// True when the column holds whole numbers wherever values can be such, so that their order is
+/// that of numbers.
+bool holds_numbers(guarded_connection &connection, const QString &table, const QString &column);

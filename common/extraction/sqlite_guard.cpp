@@ -115,6 +115,8 @@ void sqlite_guard::set_up(sqlite3 *database)
                                                       std::numeric_limits<int>::max())));
     sqlite3_limit(database, SQLITE_LIMIT_SQL_LENGTH, 1'000'000);
     sqlite3_limit(database, SQLITE_LIMIT_COLUMN, 2'000);
+    sqlite3_limit(database, SQLITE_LIMIT_VDBE_OP, 100'000);
+    sqlite3_limit(database, SQLITE_LIMIT_EXPR_DEPTH, 100);
     sqlite3_limit(database, SQLITE_LIMIT_ATTACHED, 0);
     sqlite3_progress_handler(database, steps_between_checks, &sqlite_guard::check, this);
 }
