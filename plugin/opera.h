@@ -23,6 +23,9 @@ class plugin_helper_functions;
 /// and source record, table list, result directory, create tables, clear, extended attributes,
 /// find, extract, remove temporary data. All calls come from one thread, but
 /// pub_cancel_extraction(), which may come from any thread.
+///
+/// Dynamic properties tell what the operations cannot: "found_files" after finding,
+/// "reading_account" before each record count, "reading_record" after extracting.
 class opera : public QFrame
 {
     Q_OBJECT
@@ -50,7 +53,8 @@ public:
     /// Names of the result tables to fill; the second list is ignored.
     virtual void pub_set_essential_for_mirva_bench_extraction(QList<QString> tables,
                                                               QList<QString> ignored);
-    /// Lays out the result location under this directory and creates its folders.
+    /// Lays out the result location under this directory and creates its folders. An empty one is
+    /// logged; nothing can be written then.
     virtual void pub_set_result_directory(QString result_directory);
     /// Creates the result tables that are missing; failures are logged.
     virtual void pub_create_db_tables();
@@ -62,7 +66,8 @@ public:
     virtual void pub_find_source_file();
     /// Names of the metadata attributes the host wants; macOS sources only.
     virtual void pub_set_extended_attributes_list(QList<QString> names);
-    /// Reads the found files into the result database; returns when done or cancelled.
+    /// Reads the found files into the result database; returns when done or cancelled. A call that
+    /// comes while one lasts is logged and does nothing.
     virtual void pub_extract_artifacts();
     /// Does nothing: the browser keeps no chats.
     virtual void pub_generate_chat_html_pages();
@@ -93,10 +98,13 @@ private:
     enum class extractor_kind { none, macos, ios_uid, winos };
 
     extractor_kind matching_extractor(const QString &signature);
+    void extract_matching(const QString &signature);
+    void tell_readings();
 
     Ui_opera *ui_;
     int tabs_processed_ = 0;
     bool process_finished_ = false;
+    bool extracting_ = false;
     qint64 extracted_records_ = 0;
     QString temporary_directory_;
     QString destination_db_path_;

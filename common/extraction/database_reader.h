@@ -38,7 +38,8 @@ struct database_reader {
     failure_lines source_failed;
     failure_lines insert_failed;
     const char *ends;
-    std::vector<source_reading> readings;    ///< tried in order until a SELECT runs
+    /// Tried in order until a SELECT runs. The last is that of the newest browsers.
+    std::vector<source_reading> readings;
     std::vector<keyed_select> look_ups = {}; ///< what source_row::look_up() runs, by number
     std::vector<own_table> own_tables = {};  ///< copied before the SELECT, which then reads them
     /// When set: the number of the one reading to try, chosen by what the source holds.
