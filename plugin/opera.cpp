@@ -19,23 +19,24 @@ opera::opera(QWidget *parent) : QFrame(parent), ui_(new Ui_opera)
 {
     ui_->setupUi(this);
 
+    // Direct, so that a run driven by another thread than the controller's counts in order, too.
     macos_extractor_ = new opera_macos(this);
     connect(macos_extractor_, &opera_macos::signal_extracted_records_of_plugin_macos, this,
-            &opera::slot_extracted_records_of_plugin);
+            &opera::slot_extracted_records_of_plugin, Qt::DirectConnection);
     connect(macos_extractor_, &opera_macos::signal_total_tabs_processed_macos, this,
-            &opera::slot_total_tabs_processed);
+            &opera::slot_total_tabs_processed, Qt::DirectConnection);
 
     ios_uid_extractor_ = new opera_ios_uid(this);
     connect(ios_uid_extractor_, &opera_ios_uid::signal_extracted_records_of_plugin_ios_uid, this,
-            &opera::slot_extracted_records_of_plugin);
+            &opera::slot_extracted_records_of_plugin, Qt::DirectConnection);
     connect(ios_uid_extractor_, &opera_ios_uid::signal_total_tabs_processed_ios_uid, this,
-            &opera::slot_total_tabs_processed);
+            &opera::slot_total_tabs_processed, Qt::DirectConnection);
 
     winos_extractor_ = new opera_winos(this);
     connect(winos_extractor_, &opera_winos::signal_extracted_records_of_plugin_winos, this,
-            &opera::slot_extracted_records_of_plugin);
+            &opera::slot_extracted_records_of_plugin, Qt::DirectConnection);
     connect(winos_extractor_, &opera_winos::signal_total_tabs_processed_winos, this,
-            &opera::slot_total_tabs_processed);
+            &opera::slot_total_tabs_processed, Qt::DirectConnection);
 
     helper_ = new plugin_helper_functions(this);
 }
@@ -198,7 +199,7 @@ void opera::pub_find_source_file()
         break;
     }
     found.removeDuplicates();
-    setProperty("found_files", found);
+    found_files_ = found;
 }
 
 // NOLINTNEXTLINE(performance-unnecessary-value-param)
@@ -217,8 +218,12 @@ void opera::pub_extract_artifacts()
     const QScopedValueRollback running(extracting_, true);
     macos_extractor_->forget_readings();
     winos_extractor_->forget_readings();
+    reading_record_.clear();
     extract_matching(signature);
-    tell_readings();
+    if (os_scheme_internal_ == "macOS"_L1)
+        reading_record_ = macos_extractor_->readings();
+    else if (os_scheme_internal_ == "winOS"_L1)
+        reading_record_ = winos_extractor_->readings();
 }
 
 void opera::extract_matching(const QString &signature)
@@ -257,14 +262,10 @@ void opera::extract_matching(const QString &signature)
     debug_log(u"[pub_extract_artifacts] - END"_s, signature);
 }
 
-void opera::tell_readings()
+QString opera::reading_account() const
 {
-    QVariantList readings;
-    if (os_scheme_internal_ == "macOS"_L1)
-        readings = macos_extractor_->readings();
-    else if (os_scheme_internal_ == "winOS"_L1)
-        readings = winos_extractor_->readings();
-    setProperty("reading_record", readings);
+    return os_scheme_internal_ == "winOS"_L1 ? winos_extractor_->account_being_read()
+                                             : macos_extractor_->account_being_read();
 }
 
 void opera::pub_generate_chat_html_pages() {}
@@ -278,9 +279,6 @@ void opera::pub_remove_temporary_asthetics()
 void opera::slot_extracted_records_of_plugin(qint64 records)
 {
     extracted_records_ = records;
-    setProperty("reading_account", os_scheme_internal_ == "winOS"_L1
-                                       ? winos_extractor_->account_being_read()
-                                       : macos_extractor_->account_being_read());
     Q_EMIT signal_extracted_records_of_plugin_overall(records);
 }
 

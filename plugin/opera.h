@@ -5,6 +5,8 @@
 #include <QFrame>
 #include <QList>
 #include <QString>
+#include <QStringList>
+#include <QVariantList>
 
 #include <atomic>
 
@@ -24,11 +26,13 @@ class plugin_helper_functions;
 /// find, extract, remove temporary data. All calls come from one thread, but
 /// pub_cancel_extraction(), which may come from any thread.
 ///
-/// Dynamic properties tell what the operations cannot: "found_files" after finding,
-/// "reading_account" before each record count, "reading_record" after extracting.
+/// Properties tell what the operations cannot; see docs/hosting.md.
 class opera : public QFrame
 {
     Q_OBJECT
+    Q_PROPERTY(QStringList found_files READ found_files)
+    Q_PROPERTY(QString reading_account READ reading_account)
+    Q_PROPERTY(QVariantList reading_record READ reading_record)
 
 public:
     explicit opera(QWidget *parent = nullptr);
@@ -83,6 +87,13 @@ public:
     /// Empties the tables of the table list (engine types 0, 1 and 2 only).
     void clear_db_tables();
 
+    /// Paths of the files and folders that were found, each once.
+    QStringList found_files() const { return found_files_; }
+    /// Account whose files are being read, or were last.
+    QString reading_account() const;
+    /// What became of each file in the last extraction, a map for each; set when it has ended.
+    QVariantList reading_record() const { return reading_record_; }
+
 Q_SIGNALS:
     /// Running number of rows written; about once a second and at the start and end of a run.
     void signal_extracted_records_of_plugin_overall(qint64 records);
@@ -99,7 +110,6 @@ private:
 
     extractor_kind matching_extractor(const QString &signature);
     void extract_matching(const QString &signature);
-    void tell_readings();
 
     Ui_opera *ui_;
     int tabs_processed_ = 0;
@@ -114,6 +124,8 @@ private:
     std::atomic<bool> cancelled_ = false;
     QString os_scheme_internal_;
     QList<QString> table_list_;
+    QStringList found_files_;
+    QVariantList reading_record_;
     plugin_helper_functions *helper_ = nullptr;
     opera_macos *macos_extractor_ = nullptr;
     opera_ios_uid *ios_uid_extractor_ = nullptr;

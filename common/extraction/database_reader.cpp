@@ -249,7 +249,7 @@ file_result read_file(const file_reading &reading, result_writer &writer)
          ++number) {
         result = read_by(reader.readings.at(number), joined, reading, writer);
         if (result != file_result::unknown_schema)
-            reading.run.readings.schema_is_known(number + 1 < reader.readings.size());
+            reading.run.readings.schema_is_known(reader.readings.at(number).older);
     }
     return result;
 }

@@ -20,6 +20,7 @@ struct source_reading {
     const char *select;
     failure_lines select_failed; ///< written when the SELECT fails; the next reading is tried then
     insertion insert;
+    bool older = false; ///< fits none but files of older browsers
 };
 
 /// Runs a look-up with one key on a query of the source, which is prepared unless it holds the
@@ -38,8 +39,7 @@ struct database_reader {
     failure_lines source_failed;
     failure_lines insert_failed;
     const char *ends;
-    /// Tried in order until a SELECT runs. The last is that of the newest browsers.
-    std::vector<source_reading> readings;
+    std::vector<source_reading> readings;    ///< tried in order until a SELECT runs
     std::vector<keyed_select> look_ups = {}; ///< what source_row::look_up() runs, by number
     std::vector<own_table> own_tables = {};  ///< copied before the SELECT, which then reads them
     /// When set: the number of the one reading to try, chosen by what the source holds.
