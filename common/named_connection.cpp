@@ -12,7 +12,9 @@ named_connection::named_connection(const QString &name, const QString &database_
     database_.setDatabaseName(database_path);
     if (mode == access::read_only)
         database_.setConnectOptions(u"QSQLITE_OPEN_READONLY"_s);
-    database_.open();
+    // SQLite would make a database of its own of an empty path, which vanishes with the connection.
+    if (!database_path.isEmpty())
+        database_.open();
 }
 
 named_connection::~named_connection()

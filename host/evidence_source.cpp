@@ -108,6 +108,38 @@ notes_on_accounts(const QString &source,
     return notes;
 }
 
+QString
+cause_of_no_profile(const QString &source, const QString &os_scheme,
+                    const QList<struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_system_account> &accounts)
+{
+    if (os_scheme != "macOS"_L1 && os_scheme != "winOS"_L1)
+        return u"nothing is read of "_s + os_scheme + u" sources";
+    const QString users = users_of(source);
+    if (!QFileInfo(users).isDir()) {
+        const QStringList folders = QDir(source).entryList(
+            QDir::Dirs | QDir::NoDotAndDotDot | QDir::NoSymLinks, QDir::Name);
+        for (const QString &folder : folders) {
+            if (QFileInfo(source + u'/' + folder + u"/Users").isDir())
+                return u"a `Users` folder lies one level down, in `"_s + folder + u"/`";
+        }
+        return u"the source has no `Users` folder"_s;
+    }
+    QStringList missing;
+    for (const auto &account : accounts) {
+        const QString home = users + u'/' + account.system_user;
+        if (!QFileInfo(home).isDir())
+            missing.append(account.system_user);
+        if (os_scheme == "macOS"_L1 && QFileInfo(home + u"/AppData").isDir())
+            return u"this looks like a Windows source, to be read with --os winOS"_s;
+        if (os_scheme == "winOS"_L1 && QFileInfo(home + u"/Library").isDir())
+            return u"this looks like a macOS source, to be read with --os macOS"_s;
+    }
+    if (missing.size() == accounts.size())
+        return missing.isEmpty() ? u"`Users` has no accounts"_s
+                                 : u"no such account: "_s + missing.join(u", "_s);
+    return u"no account has used the browser"_s;
+}
+
 bool lies_within(const QString &path, const QString &folder)
 {
     // Folders are compared by identity: their spelling may differ where case does not count.

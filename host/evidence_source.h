@@ -21,6 +21,11 @@ QStringList
 notes_on_accounts(const QString &source,
                   const QList<struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_system_account> &accounts);
 
+/// Why a run over these accounts has found no profile, most likely, as a part of a sentence.
+QString
+cause_of_no_profile(const QString &source, const QString &os_scheme,
+                    const QList<struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_system_account> &accounts);
+
 /// True when the path is the folder or lies in it, once links are resolved. Neither the path nor
 /// its parents need exist.
 bool lies_within(const QString &path, const QString &folder);

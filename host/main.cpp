@@ -17,7 +17,7 @@ using namespace Qt::StringLiterals;
 namespace
 {
 
-enum exit_status { done = 0, cannot_run = 1, wrong_usage = 2, interrupted = 130 };
+enum exit_status { done = 0, cannot_run = 1, wrong_usage = 2, no_profile = 3, interrupted = 130 };
 
 /// The exit status once everything printed has reached standard output.
 int finished(int status)
@@ -55,7 +55,16 @@ int extract(host_options options, cancel_watch &cancel)
     if (!outcome.problem.isEmpty())
         return fail_with(outcome.problem);
     terminal::print_result(summary_text(outcome, options));
-    return outcome.loss.isEmpty() ? int{done} : fail_with(outcome.loss);
+    if (!outcome.loss.isEmpty())
+        return fail_with(outcome.loss);
+    // What comes later, comes to a complete run that is recorded as such.
+    if (outcome.cancelled)
+        return interrupted;
+    if (!outcome.no_profile.isEmpty()) {
+        terminal::print_error(u"no profile was found; " + outcome.no_profile);
+        return no_profile;
+    }
+    return done;
 }
 
 int run(const host_options &options, char **arguments)
@@ -69,10 +78,8 @@ int run(const host_options &options, char **arguments)
     const QApplication application(argument_count, arguments);
     terminal::show_messages(options.verbose);
 
-    const int status = extract(options, cancel);
-    // While Ctrl-C is still watched: it must neither cut off the summary nor be without effect when
-    // nobody reads that.
-    return finished(status == done && cancel.cancelled() ? int{interrupted} : status);
+    // While Ctrl-C is still watched: it must not cut off the summary.
+    return finished(extract(options, cancel));
 }
 
 command_line read_arguments(int argument_count, char **arguments)

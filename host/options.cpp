@@ -33,6 +33,9 @@ void describe_options(QCommandLineParser &parser)
          "but exportfilelist."_s,
          u"NAME"_s},
         {u"clear"_s, u"Empty the selected tables first."_s},
+        {u"append"_s, u"Add to the rows of an earlier run without a word about them."_s},
+        {u"no-hashes"_s, u"Take no SHA-256 of the evidence files for the record of the run."_s},
+        {u"verify"_s, u"Take them again at the end and tell whether anything changed."_s},
         {u"source-count"_s, u"Number of the source in its case. Default: 1."_s, u"N"_s},
         {u"source-type"_s, u"Kind of source, for example macOS_Home_Directory."_s, u"TYPE"_s},
         {u"os-display"_s, u"Operating system as the rows name it."_s, u"TEXT"_s},
@@ -167,12 +170,19 @@ host_options read_options(const QCommandLineParser &parser, option_reader &reade
     options.engine_type = reader.number(u"engine"_s, 0, 2);
     options.log_encrypted = parser.isSet(u"log-encrypted"_s);
     options.clear = parser.isSet(u"clear"_s);
+    options.append = parser.isSet(u"append"_s);
+    options.hashes = !parser.isSet(u"no-hashes"_s);
+    options.verify = parser.isSet(u"verify"_s);
     options.verbose = parser.isSet(u"verbose"_s);
     options.json = parser.isSet(u"json"_s);
     options.quiet = parser.isSet(u"quiet"_s);
 
     if (options.log_encrypted && options.log_file.isEmpty())
         reader.object(u"--log-encrypted needs --log"_s);
+    if (options.clear && options.append)
+        reader.object(u"--clear and --append contradict each other"_s);
+    if (options.verify && !options.hashes)
+        reader.object(u"--no-hashes and --verify contradict each other"_s);
     if (options.quiet && options.verbose)
         reader.object(u"--quiet and --verbose contradict each other"_s);
     return options;

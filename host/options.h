@@ -22,6 +22,9 @@ struct host_options {
     int engine_type = 0;
     bool log_encrypted = false;
     bool clear = false;
+    bool append = false; ///< rows of an earlier run are expected
+    bool hashes = true;  ///< of the evidence files, for the record of the run
+    bool verify = false; ///< they are taken again at the end
     bool verbose = false;
     bool json = false;
     bool quiet = false;

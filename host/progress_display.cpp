@@ -2,12 +2,13 @@
 
 #include "host/terminal.h"
 
+#include <QVariant>
+
 using namespace Qt::StringLiterals;
 
 progress_display::progress_display(const QStringList &tables, bool shown)
     : tables_(tables), shown_(shown)
 {
-    since_start_.start();
 }
 
 void progress_display::show_records(qint64 records)
@@ -28,10 +29,13 @@ void progress_display::refresh()
         return;
 
     const QString number = QString::number(qMin(qsizetype{tables_done_} + 1, tables_.size()));
-    const QString table = tables_done_ < tables_.size() ? u"reading " + tables_.value(tables_done_)
-                                                        : QString(u"finishing"_s);
-    const qint64 per_second = records_ * 1000 / qMax(since_start_.elapsed(), qint64{1});
-    terminal::show_status(table + u" (" + number + u" of " + QString::number(tables_.size()) +
-                          u"), " + QString::number(records_) + u" records, " +
-                          QString::number(per_second) + u" per second");
+    const QString account =
+        plugin_ != nullptr ? plugin_->property("reading_account").toString() : QString();
+    const QString line = number + u'/' + QString::number(tables_.size()) + u' ' +
+                         tables_.value(tables_done_, u"finishing"_s) + u", " +
+                         QString::number(records_) + u" rows" +
+                         (account.isEmpty() ? QString() : u", " + account);
+    // A line that wraps could not be taken off again; the last column makes some terminals wrap.
+    constexpr int columns = 39;
+    terminal::show_status(terminal::cut(terminal::one_line(line), columns));
 }

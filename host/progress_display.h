@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QElapsedTimer>
 #include <QObject>
 #include <QStringList>
 
@@ -11,8 +10,11 @@ class progress_display : public QObject
     Q_OBJECT
 
 public:
-    /// The tables in reading order; the time starts to run.
+    /// The tables in reading order.
     progress_display(const QStringList &tables, bool shown);
+
+    /// Whose files are being read, where the plug-in tells.
+    void watch(const QObject &plugin) { plugin_ = &plugin; }
 
     /// The plug-in's last count.
     qint64 records() const { return records_; }
@@ -25,8 +27,8 @@ private:
     void refresh();
 
     QStringList tables_;
+    const QObject *plugin_ = nullptr;
     bool shown_;
-    QElapsedTimer since_start_;
     qint64 records_ = 0;
     int tables_done_ = 0;
 };

@@ -2,6 +2,7 @@
 
 #include "host/evidence_source.h"
 #include "host/options.h"
+#include "host/run_record.h"
 
 #include <QDir>
 #include <QFile>
@@ -34,8 +35,8 @@ QString evidence_conflict(const host_options &options)
 QString evidence_conflict(const host_options &options, const QString &database)
 {
     const QString folder = QFileInfo(database).path();
-    for (const QString &path :
-         {folder, QString(folder + u"/tmp"), QString(folder + u"/Images"), database}) {
+    for (const QString &path : {folder, QString(folder + u"/tmp"), QString(folder + u"/Images"),
+                                database, run_record_path(database)}) {
         if (lies_within(path, options.source))
             return path + u" leads into the evidence source " + options.source;
     }

@@ -32,8 +32,25 @@ void handle_message(QtMsgType type, const QMessageLogContext & /*context*/, cons
         print_on_standard_error(terminal::one_line(message));
 }
 
-bool breaks_line(QChar character)
+bool misleads(QChar character)
 {
+    switch (character.direction()) {
+    case QChar::DirLRE:
+    case QChar::DirLRO:
+    case QChar::DirRLE:
+    case QChar::DirRLO:
+    case QChar::DirPDF:
+    case QChar::DirLRI:
+    case QChar::DirRLI:
+    case QChar::DirFSI:
+    case QChar::DirPDI:
+        return true;
+    default:
+        break;
+    }
+    // The marks: left to right, right to left, Arabic letter.
+    if (character == QChar(0x200e) || character == QChar(0x200f) || character == QChar(0x061c))
+        return true;
     switch (character.category()) {
     case QChar::Other_Control:
         return character != u'\t';
@@ -62,12 +79,30 @@ QString one_line(const QString &text)
     QString line;
     line.reserve(text.size());
     for (const QChar character : text) {
-        if (breaks_line(character))
+        if (misleads(character))
             line += u"\\u" + QString::number(character.unicode(), 16).rightJustified(4, u'0');
         else
             line += character;
     }
     return line;
+}
+
+QString cut(const QString &text, int columns)
+{
+    // Characters from here on may take two columns.
+    constexpr char16_t first_wide = 0x1100;
+    int taken = 0;
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const QChar character = text.at(i);
+        taken += !character.isLowSurrogate() && character.unicode() >= first_wide ? 2 : 1;
+        if (taken > columns) {
+            qsizetype kept = qMax(i - 2, qsizetype{0});
+            if (kept > 0 && text.at(kept - 1).isHighSurrogate())
+                --kept;
+            return text.first(kept) + u'…';
+        }
+    }
+    return text;
 }
 
 void print_error(const QString &text)

@@ -6,9 +6,12 @@
 namespace terminal
 {
 
-/// The text with control characters and line separators spelled out, so that text from an evidence
-/// source stays on one line and cannot steer the terminal.
+/// The text with control characters, line separators and marks of writing direction spelled out, so
+/// that text from an evidence source stays on one line, in its order, and cannot steer the
+/// terminal.
 QString one_line(const QString &text);
+/// As much of the text as fits the columns; "…" ends what is cut.
+QString cut(const QString &text, int columns);
 
 /// One line on standard error, "opera_extract: " and the text.
 void print_error(const QString &text);

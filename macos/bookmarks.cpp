@@ -185,6 +185,7 @@ void read_roots(const bookmark_table &table, const QString &source_path, QString
     read_records(table.reader, files, run, [&](record_sink &sink) {
         evidence_file file(sink.file().path);
         if (!file.open_whole(evidence_file::largest_json)) {
+            sink.unreadable(file.errorString());
             debug_log(u"[extract_11_bookmarks] source file opening ---FAILED--- "_s +
                           sink.file().path,
                       signature);
@@ -193,11 +194,13 @@ void read_roots(const bookmark_table &table, const QString &source_path, QString
         QJsonParseError error;
         const QJsonObject top = QJsonDocument::fromJson(file.readAll(), &error).object();
         file.close();
-        if (error.error != QJsonParseError::NoError)
+        if (error.error != QJsonParseError::NoError) {
             // Without a line, a damaged file would look like one without bookmarks.
             log_failure(
                 {with_path("[extract_11_bookmarks] source file parsing ---FAILED--- "), error_text},
                 signature, {.path = sink.file().path, .error = error.errorString()});
+            sink.damaged(error.errorString());
+        }
         bookmark_walk walk(table, sink.insert().query(), sink.file(), folder_path, run);
         for (const QJsonValue &value : roots_of(top.value("roots"_L1).toObject())) {
             const QJsonObject root = value.toObject();
@@ -317,6 +320,7 @@ void opera_macos::extract_bookmark()
         if (file.open_whole()) {
             read_bookmark_lines(file, sink);
         } else {
+            sink.unreadable(file.errorString());
             debug_log(u"[extract_bookmark]source file -----FAILED----- to open"_s, signature);
             debug_log(u"-----Error----"_s + file.errorString(), signature);
         }

@@ -121,10 +121,12 @@ bool opera_macos::read_cache_folder(record_sink &sink)
 void opera_macos::extract_cached_files_11()
 {
     read_records(cached_files_11, found_.cached_files, state_.run, [this](record_sink &sink) {
-        if (!read_cache_folder(sink))
+        if (!read_cache_folder(sink)) {
+            sink.unreadable(u"the folder cannot be listed"_s);
             debug_log(u"[extract_cached_files_11] folder listing ---------FAILED----------"_s +
                           sink.file().path,
                       QString::fromUtf8(cached_files_11.signature));
+        }
         return reading_end::next_file;
     });
 }

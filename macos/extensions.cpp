@@ -102,6 +102,10 @@ void opera_macos::extract_extensions(const QString &source_path)
                                            ? QJsonDocument::fromJson(file.readAll())
                                            : QJsonDocument();
         if (!document.isObject()) {
+            if (file.isOpen())
+                sink.damaged(u"no JSON object"_s);
+            else
+                sink.unreadable(file.errorString());
             debug_log(u"[extract_extensions_and_themes] source file opening ---FAILED--- "_s +
                           sink.file().path,
                       QString::fromUtf8(extensions_reader.signature));

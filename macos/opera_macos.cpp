@@ -74,6 +74,7 @@ void opera_macos::find_source_file()
     const QString users = state_.run.source_root + u"Users/";
     found_ = {};
     state_.run.folder_sizes = {};
+    state_.run.found_files.clear();
     forget_evidence_problems();
     for (const QString &account : std::as_const(state_.account_names)) {
         const QString home = users + account + u"/Library/";
@@ -84,6 +85,7 @@ void opera_macos::find_source_file()
                 (one.in == folder::cache ? cache : profile) + QLatin1StringView(one.name);
             if (!exists_in_evidence(path))
                 continue;
+            state_.run.found_files.append(path);
             for (const auto list : one.consumers)
                 (found_.*list).append(path);
         }

@@ -76,6 +76,7 @@ void opera_macos::extract_sessions_11()
         evidence_file file(path);
         if (!file.open_whole()) {
             const QString signature = QString::fromUtf8(sessions_11.signature);
+            sink.unreadable(file.errorString());
             debug_log(u"[extract_sessions_11] file open -----FAILED-----"_s + path, signature);
             debug_log(u"----Error---"_s + file.errorString(), signature);
             return reading_end::next_file;

@@ -181,6 +181,10 @@ void read_json_file(const record_reader &reader, const char *not_readable,
                                            ? QJsonDocument::fromJson(file.readAll())
                                            : QJsonDocument();
         if (!document.isObject()) {
+            if (file.isOpen())
+                sink.damaged(u"no JSON object"_s);
+            else
+                sink.unreadable(file.errorString());
             log_failure({with_path(not_readable)}, QString::fromUtf8(reader.signature),
                         {.path = sink.file().path});
             return reading_end::at_once;

@@ -10,6 +10,8 @@
 #include "winos/opera_winos.h"
 
 #include <QCoreApplication>
+#include <QFileInfo>
+#include <QScopedValueRollback>
 
 using namespace Qt::StringLiterals;
 
@@ -17,23 +19,24 @@ opera::opera(QWidget *parent) : QFrame(parent), ui_(new Ui_opera)
 {
     ui_->setupUi(this);
 
+    // Direct, so that a run driven by another thread than the controller's counts in order, too.
     macos_extractor_ = new opera_macos(this);
     connect(macos_extractor_, &opera_macos::signal_extracted_records_of_plugin_macos, this,
-            &opera::slot_extracted_records_of_plugin);
+            &opera::slot_extracted_records_of_plugin, Qt::DirectConnection);
     connect(macos_extractor_, &opera_macos::signal_total_tabs_processed_macos, this,
-            &opera::slot_total_tabs_processed);
+            &opera::slot_total_tabs_processed, Qt::DirectConnection);
 
     ios_uid_extractor_ = new opera_ios_uid(this);
     connect(ios_uid_extractor_, &opera_ios_uid::signal_extracted_records_of_plugin_ios_uid, this,
-            &opera::slot_extracted_records_of_plugin);
+            &opera::slot_extracted_records_of_plugin, Qt::DirectConnection);
     connect(ios_uid_extractor_, &opera_ios_uid::signal_total_tabs_processed_ios_uid, this,
-            &opera::slot_total_tabs_processed);
+            &opera::slot_total_tabs_processed, Qt::DirectConnection);
 
     winos_extractor_ = new opera_winos(this);
     connect(winos_extractor_, &opera_winos::signal_extracted_records_of_plugin_winos, this,
-            &opera::slot_extracted_records_of_plugin);
+            &opera::slot_extracted_records_of_plugin, Qt::DirectConnection);
     connect(winos_extractor_, &opera_winos::signal_total_tabs_processed_winos, this,
-            &opera::slot_total_tabs_processed);
+            &opera::slot_total_tabs_processed, Qt::DirectConnection);
 
     helper_ = new plugin_helper_functions(this);
 }
@@ -107,6 +110,18 @@ void opera::pub_set_general_info(struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_general
 void opera::pub_set_source_info(struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_source_info info)
 {
     os_scheme_internal_ = info.os_scheme_internal;
+    const QString signature = u"virtual void opera::pub_set_source_info(%1)"_s.arg(
+        u"struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_source_info"_s);
+    const QString &root = info.virtual_source_path;
+    if (!root.endsWith(u'/'))
+        debug_log(u"[pub_set_source_info] source path does not end in / ------FAILED------- "_s +
+                      root,
+                  signature);
+    if (!QFileInfo(root).isDir())
+        debug_log(u"[pub_set_source_info] source is missing ------FAILED------- "_s + root,
+                  signature);
+    if (info.system_account_list.isEmpty())
+        debug_log(u"[pub_set_source_info] no accounts are given ------FAILED------- "_s, signature);
     plugin_static_function::set_source_info(info);
     macos_extractor_->macos_set_source_info(info);
     ios_uid_extractor_->ios_uid_set_source_info(info);
@@ -167,19 +182,24 @@ opera::extractor_kind opera::matching_extractor(const QString &signature)
 
 void opera::pub_find_source_file()
 {
+    QStringList found;
     switch (matching_extractor(u"virtual void opera::pub_find_source_file()"_s)) {
     case extractor_kind::macos:
         macos_extractor_->macos_find_artifacts_source();
+        found = macos_extractor_->found_paths();
         break;
     case extractor_kind::ios_uid:
         ios_uid_extractor_->ios_uid_find_artifacts_source();
         break;
     case extractor_kind::winos:
         winos_extractor_->winos_find_artifacts_source();
+        found = winos_extractor_->found_paths();
         break;
     case extractor_kind::none:
         break;
     }
+    found.removeDuplicates();
+    found_files_ = found;
 }
 
 // NOLINTNEXTLINE(performance-unnecessary-value-param)
@@ -191,6 +211,23 @@ void opera::pub_set_extended_attributes_list(QList<QString> names)
 void opera::pub_extract_artifacts()
 {
     const QString signature = u"virtual void opera::pub_extract_artifacts()"_s;
+    if (extracting_) {
+        debug_log(u"[pub_extract_artifacts] is running already ------FAILED-------"_s, signature);
+        return;
+    }
+    const QScopedValueRollback running(extracting_, true);
+    macos_extractor_->forget_readings();
+    winos_extractor_->forget_readings();
+    reading_record_.clear();
+    extract_matching(signature);
+    if (os_scheme_internal_ == "macOS"_L1)
+        reading_record_ = macos_extractor_->readings();
+    else if (os_scheme_internal_ == "winOS"_L1)
+        reading_record_ = winos_extractor_->readings();
+}
+
+void opera::extract_matching(const QString &signature)
+{
     debug_log(u"[pub_extract_artifacts] - START"_s, signature);
     Q_EMIT signal_extracted_records_of_plugin_overall(0);
 
@@ -223,6 +260,12 @@ void opera::pub_extract_artifacts()
 
     Q_EMIT signal_extracted_records_of_plugin_overall(extracted_records_);
     debug_log(u"[pub_extract_artifacts] - END"_s, signature);
+}
+
+QString opera::reading_account() const
+{
+    return os_scheme_internal_ == "winOS"_L1 ? winos_extractor_->account_being_read()
+                                             : macos_extractor_->account_being_read();
 }
 
 void opera::pub_generate_chat_html_pages() {}

@@ -5,6 +5,8 @@
 #include <QFrame>
 #include <QList>
 #include <QString>
+#include <QStringList>
+#include <QVariantList>
 
 #include <atomic>
 
@@ -23,9 +25,14 @@ class plugin_helper_functions;
 /// and source record, table list, result directory, create tables, clear, extended attributes,
 /// find, extract, remove temporary data. All calls come from one thread, but
 /// pub_cancel_extraction(), which may come from any thread.
+///
+/// Properties tell what the operations cannot; see docs/hosting.md.
 class opera : public QFrame
 {
     Q_OBJECT
+    Q_PROPERTY(QStringList found_files READ found_files)
+    Q_PROPERTY(QString reading_account READ reading_account)
+    Q_PROPERTY(QVariantList reading_record READ reading_record)
 
 public:
     explicit opera(QWidget *parent = nullptr);
@@ -50,7 +57,8 @@ public:
     /// Names of the result tables to fill; the second list is ignored.
     virtual void pub_set_essential_for_mirva_bench_extraction(QList<QString> tables,
                                                               QList<QString> ignored);
-    /// Lays out the result location under this directory and creates its folders.
+    /// Lays out the result location under this directory and creates its folders. An empty one is
+    /// logged; nothing can be written then.
     virtual void pub_set_result_directory(QString result_directory);
     /// Creates the result tables that are missing; failures are logged.
     virtual void pub_create_db_tables();
@@ -62,7 +70,8 @@ public:
     virtual void pub_find_source_file();
     /// Names of the metadata attributes the host wants; macOS sources only.
     virtual void pub_set_extended_attributes_list(QList<QString> names);
-    /// Reads the found files into the result database; returns when done or cancelled.
+    /// Reads the found files into the result database; returns when done or cancelled. A call that
+    /// comes while one lasts is logged and does nothing.
     virtual void pub_extract_artifacts();
     /// Does nothing: the browser keeps no chats.
     virtual void pub_generate_chat_html_pages();
@@ -77,6 +86,13 @@ public:
     void create_db_tables();
     /// Empties the tables of the table list (engine types 0, 1 and 2 only).
     void clear_db_tables();
+
+    /// Paths of the files and folders that were found, each once.
+    QStringList found_files() const { return found_files_; }
+    /// Account whose files are being read, or were last.
+    QString reading_account() const;
+    /// What became of each file in the last extraction, a map for each; set when it has ended.
+    QVariantList reading_record() const { return reading_record_; }
 
 Q_SIGNALS:
     /// Running number of rows written; about once a second and at the start and end of a run.
@@ -93,10 +109,12 @@ private:
     enum class extractor_kind { none, macos, ios_uid, winos };
 
     extractor_kind matching_extractor(const QString &signature);
+    void extract_matching(const QString &signature);
 
     Ui_opera *ui_;
     int tabs_processed_ = 0;
     bool process_finished_ = false;
+    bool extracting_ = false;
     qint64 extracted_records_ = 0;
     QString temporary_directory_;
     QString destination_db_path_;
@@ -106,6 +124,8 @@ private:
     std::atomic<bool> cancelled_ = false;
     QString os_scheme_internal_;
     QList<QString> table_list_;
+    QStringList found_files_;
+    QVariantList reading_record_;
     plugin_helper_functions *helper_ = nullptr;
     opera_macos *macos_extractor_ = nullptr;
     opera_ios_uid *ios_uid_extractor_ = nullptr;

@@ -20,17 +20,24 @@ void opera::set_destination_location(const QString &result_directory)
     const QString signature = u"void opera::set_destination_location(QString)"_s;
     debug_log(u"[set_destination_location] starts"_s, signature);
 
-    QString root = result_directory;
-    if (!root.endsWith(u'/'))
-        root += u'/';
-    const QString name = pub_get_artifact_name().replace(u' ', u'_');
-    plugin_result_directory_ = root + u"Artifacts_Result/" + name + u'/';
-    temporary_directory_ = plugin_result_directory_ + u"tmp/";
-    images_directory_ = plugin_result_directory_ + u"Images/";
-    destination_db_path_ = plugin_result_directory_ + name + u".sqlite";
-    for (const QString &directory :
-         {plugin_result_directory_, temporary_directory_, images_directory_})
-        QDir().mkpath(directory);
+    if (result_directory.isEmpty()) {
+        // With a "/" added it would be the root of the examiner's file system.
+        debug_log(u"[set_destination_location] result directory is empty ------FAILED-------"_s,
+                  signature);
+        plugin_result_directory_ = temporary_directory_ = images_directory_ = destination_db_path_ =
+            QString();
+    } else {
+        const QString root =
+            result_directory.endsWith(u'/') ? result_directory : result_directory + u'/';
+        const QString name = pub_get_artifact_name().replace(u' ', u'_');
+        plugin_result_directory_ = root + u"Artifacts_Result/" + name + u'/';
+        temporary_directory_ = plugin_result_directory_ + u"tmp/";
+        images_directory_ = plugin_result_directory_ + u"Images/";
+        destination_db_path_ = plugin_result_directory_ + name + u".sqlite";
+        for (const QString &directory :
+             {plugin_result_directory_, temporary_directory_, images_directory_})
+            QDir().mkpath(directory);
+    }
 
     helper_->set_adhoc_parent_path(temporary_directory_);
     macos_extractor_->macos_set_destination_location(plugin_result_directory_, temporary_directory_,

@@ -91,7 +91,8 @@ const database_reader winos_readers::autofill_profiles = {
                       "fullname,date_of_birth,gender,email,phone_number,company_name,"
                       "address_line_1,address_line_2,city,state,zipcode,country,country_code,"
                       "date_modified, source_file, os_scheme_display,source_count_name) "
-                      "values(?,?,?,? ,?,?,?,?, ?,?,?,?, ?,?,?,? ,?,?,?,?,?)")},
+                      "values(?,?,?,? ,?,?,?,?, ?,?,?,?, ?,?,?,? ,?,?,?,?,?)"),
+                  .older = true},
                  {.select = "select guid,company_name,street_address,dependent_locality,city,state,"
                             "zipcode,origin,country_code,date_modified from autofill_profiles",
                   .select_failed = query_failure("[extract_webdata_autofill_profiles]---FAILED--- "

@@ -5,6 +5,8 @@
 #include "common/values/text_values.h"
 #include "winos/opera_winos.h"
 
+#include <QJsonDocument>
+
 using namespace Qt::StringLiterals;
 
 namespace
@@ -80,6 +82,7 @@ void opera_winos::extract_bookmark()
     read_records(bookmarks_reader, found_.bookmarks, state_.run, [this](record_sink &sink) {
         evidence_file file(sink.file().path);
         if (!file.open_whole()) {
+            sink.unreadable(file.errorString());
             log_failure(open_failure("[extract_bookmarks] File Open ---FAILED---"),
                         QString::fromUtf8(bookmarks_reader.signature),
                         {.error = file.errorString()});
@@ -89,6 +92,13 @@ void opera_winos::extract_bookmark()
             return sink.write({bookmark.date_added, bookmark.name, bookmark.url,
                                local_path_of(decode_percent(bookmark.url))});
         });
+        // Lines are found in a damaged file just as in a sound one.
+        QJsonParseError error;
+        if (file.size() <= evidence_file::largest_json && file.seek(0)) {
+            QJsonDocument::fromJson(file.readAll(), &error);
+            if (error.error != QJsonParseError::NoError)
+                sink.damaged(error.errorString());
+        }
         return reading_end::next_file;
     });
 }

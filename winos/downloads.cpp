@@ -101,7 +101,8 @@ const database_reader winos_readers::history_download = {
                   .select_failed = {"[extract_history_download]source_dwnld query --- NOT EXECUTED "
                                     "---",
                                     "Executing Alternate Query ..."},
-                  .insert = download_insertion(from_row(trimmed_url, 1), empty_value)},
+                  .insert = download_insertion(from_row(trimmed_url, 1), empty_value),
+                  .older = true},
                  {.select = "select downloads.target_path, downloads.id, downloads.start_time, "
                             "downloads.received_bytes, downloads.total_bytes, downloads.end_time, "
                             "downloads.referrer from downloads",

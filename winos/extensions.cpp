@@ -98,6 +98,7 @@ bool write_version(const QString &manifest_path, const QString &id, record_sink 
 {
     const QJsonObject manifest = read_object(manifest_path);
     if (manifest.isEmpty()) {
+        sink.damaged(u"no JSON object: "_s + path_inside_source(manifest_path, sink.run()));
         report("[extract_extensions]manifest is no JSON object ---FAILED--- for file --->>>",
                manifest_path);
         return true;
@@ -129,6 +130,7 @@ void opera_winos::extract_extensions()
         const extraction_run &run = sink.run();
         const QString folder = QDir::cleanPath(sink.file().path);
         if (!QFileInfo(folder).isDir()) {
+            sink.unreadable(u"no folder"_s);
             report("[extract_extensions]source folder opening ---FAILED--- for path--->>>",
                    sink.file().path);
             return reading_end::next_file;
@@ -141,9 +143,11 @@ void opera_winos::extract_extensions()
                     return true;
                 return write_version(path, parts.at(0), sink);
             });
-        if (!listed)
+        if (!listed) {
+            sink.unreadable(u"the folder cannot be listed"_s);
             report("[extract_extensions]source folder listing ---FAILED--- for path--->>>",
                    sink.file().path);
+        }
         return reading_end::next_file;
     });
 }

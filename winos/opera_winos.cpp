@@ -65,6 +65,7 @@ void opera_winos::find_source_file()
     debug_log(u"[find_source_file] -Starts"_s, signature);
     found_ = {};
     state_.run.folder_sizes = {};
+    state_.run.found_files.clear();
     forget_evidence_problems();
     for (const QString &account : std::as_const(state_.account_names)) {
         const QString profile = state_.run.source_root + u"Users/" + account +
@@ -73,6 +74,7 @@ void opera_winos::find_source_file()
             const QString path = profile + QLatin1StringView(one.name);
             if (!exists_in_evidence(path))
                 continue;
+            state_.run.found_files.append(path);
             (found_.*one.consumer).append(path);
             debug_log(QLatin1StringView(one.found) + path, signature);
         }

@@ -45,6 +45,10 @@ public:
     explicit opera_winos(QWidget *parent = nullptr);
 
     // Settings; see extractor_settings.
+    using extractor_settings::account_being_read;
+    using extractor_settings::forget_readings;
+    using extractor_settings::found_paths;
+    using extractor_settings::readings;
     void winos_set_plugin_helper_obj(plugin_helper_functions *helper) { set_helper(helper); }
     void winos_set_record_count(qint64 records) { set_record_count(records); }
     void winos_set_tab_processed_count(int tables) { set_tab_processed_count(tables); }

@@ -69,6 +69,8 @@ QStringList opera_winos::extract_session_data(const QString &path)
 void opera_winos::read_sessions(const record_reader &reader, const QStringList &files)
 {
     read_records(reader, files, state_.run, [](record_sink &sink) {
+        if (const QString reason = reason_not_readable(sink.file().path); !reason.isEmpty())
+            sink.unreadable(reason);
         const QStringList urls = extract_session_data(sink.file().path);
         for (const QString &url : urls) {
             if (!sink.write({url}))

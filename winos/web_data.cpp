@@ -42,7 +42,8 @@ const database_reader winos_readers::autofill = {
                   .insert = autofill_insertion(
                       "insert into autofill(bookmark,system_user,domain_user,name,value,count,"
                       "date_created, pair_id, source_file, os_scheme_display,source_count_name) "
-                      "values(?,?,?,?, ?,?,?,?, ?,?,?)")},
+                      "values(?,?,?,?, ?,?,?,?, ?,?,?)"),
+                  .older = true},
                  {.select = "select autofill.name, autofill.value, autofill.count, "
                             "autofill.date_created, autofill.date_last_used from autofill",
                   .select_failed = query_failure("[extract_webdata_autofill] ---FAILED--- to "

@@ -35,12 +35,12 @@ struct file_reading {
     failure_log &failures;
 
     const QString &signature() const { return failures.signature(); }
-    /// A line that no descriptor foresees.
-    void tell(const QString &text, const QString &error = {}) const
+    /// A line that no descriptor foresees, of a fault of the file.
+    void tell(const QString &text, const QString &error) const
     {
+        run.readings.note(reading_record::outcome::damaged, error);
         debug_log(operation_tag(signature()) + text + file.path, signature());
-        if (!error.isEmpty())
-            debug_log(error, signature());
+        debug_log(error, signature());
     }
 };
 
@@ -173,7 +173,8 @@ QString as_scan(const file_reading &reading, const QString &select)
         return {};
     if (kind == column_kind::amplified) {
         columns = cut_columns(columns.remove(table + u'.'));
-        reading.tell(u" long default values are cut -----FAILED-----"_s);
+        reading.tell(u" long default values are cut -----FAILED-----"_s,
+                     u"the schema fills columns with long values"_s);
     }
     const bool is_own = std::ranges::any_of(
         own_tables, [&](const own_table &own) { return table == QLatin1StringView(own.name); });
@@ -238,6 +239,8 @@ file_result read_by(const source_reading &way, const keyed_select *joined,
         if (reading.run.cancelled())
             return file_result::cancelled;
         reading.failures.log(way.select_failed, select.rows.error_text(), text);
+        reading.run.readings.note(reading_record::outcome::unknown_schema,
+                                  select.rows.error_text());
         return file_result::unknown_schema;
     }
     return write_rows(reading, select,
@@ -259,8 +262,11 @@ file_result read_file(const file_reading &reading, result_writer &writer)
     }
     file_result result = file_result::unknown_schema;
     for (std::size_t number = first; number < end && result == file_result::unknown_schema;
-         ++number)
+         ++number) {
         result = read_by(reader.readings.at(number), joined, reading, writer);
+        if (result != file_result::unknown_schema)
+            reading.run.readings.schema_is_known(reader.readings.at(number).older);
+    }
     return result;
 }
 
@@ -269,11 +275,16 @@ file_result read_path(const database_reader &reader, const QString &signature, c
                       extraction_run &run, const row_preparation &prepare_row,
                       result_writer &writer)
 {
+    using outcome = reading_record::outcome;
+    const recorded_reading recorded(run, reader.readings.front().insert.sql, signature, path);
     if (!lies_in_source(path, signature, run))
         return file_result::done;
     const QString copy = run.helper->get_adhoc_path_for_database(path);
-    if (copy.isEmpty())
+    if (copy.isEmpty()) {
+        if (!run.cancelled())
+            run.readings.note(outcome::unreadable, u"no private copy can be made"_s);
         return file_result::done;
+    }
 
     const source_file file(path, run);
     failure_log failures(signature, file.path, file.system_user);
@@ -283,6 +294,8 @@ file_result read_path(const database_reader &reader, const QString &signature, c
                               copy, run, signature);
     if (!source.is_open()) {
         failures.log(reader.source_failed, source.error_text(), {});
+        const QString reason = reason_not_readable(path);
+        run.readings.note(outcome::unreadable, reason.isEmpty() ? source.error_text() : reason);
         return file_result::done;
     }
     const QString structure = source.check_structure();
@@ -334,8 +347,14 @@ int read_databases(const database_reader &reader, const QStringList &files, extr
     int result = 0;
     {
         result_writer writer(signature, run, reader.destination_failed, reader.insert_failed);
-        if (!writer.is_open())
+        if (!writer.is_open()) {
+            for (const QString &path : files) {
+                const recorded_reading recorded(run, reader.readings.front().insert.sql, signature,
+                                                path);
+                run.readings.note(reading_record::outcome::not_committed, writer.error_text());
+            }
             return 0;
+        }
         for (const QString &path : files) {
             if (run.cancelled())
                 return 0;

@@ -20,6 +20,7 @@ struct source_reading {
     const char *select;
     failure_lines select_failed; ///< written when the SELECT fails; the next reading is tried then
     insertion insert;
+    bool older = false; ///< fits none but files of older browsers
 };
 
 /// Runs a look-up with one key on a query of the source, which is prepared unless it holds the

@@ -13,6 +13,8 @@
 #include <chrono>
 #include <utility>
 
+using namespace Qt::StringLiterals;
+
 namespace
 {
 
@@ -46,13 +48,14 @@ void extraction_run::count_record()
     restart_progress();
 }
 
-bool lies_in_source(const QString &path, const QString &signature, const extraction_run &run)
+bool lies_in_source(const QString &path, const QString &signature, extraction_run &run)
 {
     if (is_inside_folder(path, run.source_root) || !leads_anywhere(path))
         return true;
     debug_log(operation_tag(signature) +
                   u" file does not lie in the source ---------FAILED----------" + path,
               signature);
+    run.readings.note(reading_record::outcome::refused, u"links lead out of the source"_s);
     return false;
 }
 

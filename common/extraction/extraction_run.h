@@ -2,8 +2,10 @@
 
 #include "common/evidence/folder_sizes.h"
 #include "common/evidence/source_file.h"
+#include "common/extraction/reading_record.h"
 
 #include <QString>
+#include <QStringList>
 #include <QtGlobal>
 
 #include <atomic>
@@ -35,6 +37,8 @@ public:
     /// Of the file that is being read; null between files.
     failure_log *failures = nullptr;
     class folder_sizes folder_sizes; ///< of the source
+    reading_record readings;
+    QStringList found_files = {}; ///< of the evidence, as found; a reader may share one with others
 
     /// May be called from any thread.
     void set_cancelled(bool cancelled) { cancelled_ = cancelled; }
@@ -63,10 +67,10 @@ private:
     std::atomic<bool> cancelled_ = false;
 };
 
-/// False, and logged under the signature, for a path that links of the evidence lead out of the
-/// source: such a file is not touched. True for one that is not there (any more): that its reader
-/// cannot open it says so.
-bool lies_in_source(const QString &path, const QString &signature, const extraction_run &run);
+/// False, logged under the signature and noted as refused, for a path that links of the evidence
+/// lead out of the source: such a file is not touched. True for one that is not there (any more):
+/// that its reader cannot open it says so.
+bool lies_in_source(const QString &path, const QString &signature, extraction_run &run);
 
 /// Size of a file or folder of the source in bytes. However many rows name folders that lie in each
 /// other, each is walked about once.

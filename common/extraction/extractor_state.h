@@ -60,6 +60,11 @@ protected:
     void set_engine_type(int engine_type) { state_.engine_type = engine_type; }
     /// May be called from any thread.
     void cancel() { state_.run.set_cancelled(true); }
+    void forget_readings() { state_.run.readings.clear(); }
+    QVariantList readings() const { return state_.run.readings.as_list(state_.run); }
+    /// Of the file that is being read, or was last.
+    const QString &account_being_read() const { return state_.run.readings.account(); }
+    const QStringList &found_paths() const { return state_.run.found_files; }
     void set_source_count(int source_count) { state_.source_count = source_count; }
 
     extractor_state state_;

@@ -14,11 +14,17 @@ bool read_all(const record_reader &reader, const QString &signature, const QStri
               extraction_run &run, const file_reading_function &read_file)
 {
     result_writer writer(signature, run, reader.destination_failed, reader.insert_failed);
-    if (!writer.is_open())
+    if (!writer.is_open()) {
+        for (const QString &path : files) {
+            const recorded_reading recorded(run, reader.insert.sql, signature, path);
+            run.readings.note(reading_record::outcome::not_committed, writer.error_text());
+        }
         return false;
+    }
     for (const QString &path : files) {
         if (run.cancelled())
             return false;
+        const recorded_reading recorded(run, reader.insert.sql, signature, path);
         if (!lies_in_source(path, signature, run))
             continue;
         const source_file file(path, run);

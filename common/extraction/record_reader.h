@@ -33,11 +33,17 @@ public:
     /// Writes one record. False when the run is cancelled: the reading then ends at once.
     bool write(QVariantList values);
 
+    /// For the record of the run: why nothing could be read, or not all. To be logged besides.
+    void unreadable(const QString &why) { note(reading_record::outcome::unreadable, why); }
+    void damaged(const QString &why) { note(reading_record::outcome::damaged, why); }
+
     const source_file &file() const { return file_; }
     extraction_run &run() const { return run_; }
     row_insertion &insert() const { return insert_; }
 
 private:
+    void note(reading_record::outcome what, const QString &why) { run_.readings.note(what, why); }
+
     row_insertion &insert_;
     const source_file &file_;
     extraction_run &run_;

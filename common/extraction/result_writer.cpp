@@ -110,6 +110,7 @@ row_insertion::outcome row_insertion::write(source_row &row)
 void row_insertion::log_failure_of(const source_row &row, const QString &error) const
 {
     run_.count_lost(1);
+    run_.readings.note(reading_record::outcome::not_committed, error);
     if (run_.failures != nullptr)
         run_.failures->log(insert_failed_, error, QString::fromUtf8(statement_.sql), signature_);
     else
@@ -143,6 +144,7 @@ result_writer::result_writer(const QString &signature, extraction_run &run,
     }
     connection_.database().transaction();
     records_before_ = run_.records();
+    readings_before_ = run_.readings.size();
 }
 
 result_writer::~result_writer()
@@ -155,6 +157,7 @@ result_writer::~result_writer()
               signature_);
     debug_log(connection_.error_text(), signature_);
     run_.count_lost(run_.records() - records_before_);
+    run_.readings.not_committed_since(readings_before_, connection_.error_text());
 }
 
 row_insertion &result_writer::same_file(const insertion &statement)

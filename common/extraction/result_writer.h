@@ -65,6 +65,7 @@ public:
     result_writer &operator=(const result_writer &) = delete;
 
     bool is_open() const { return connection_.is_open(); }
+    QString error_text() const { return connection_.error_text(); }
 
     /// The INSERT for the rows of the file, which both must outlive the writer.
     row_insertion &begin_file(const insertion &statement, const source_file &file)
@@ -83,6 +84,7 @@ private:
     extraction_run &run_;
     const failure_lines &insert_failed_;
     qint64 records_before_ = 0; ///< count of the run when the transaction began
+    qsizetype readings_before_ = 0;
     named_connection connection_;
     std::vector<std::unique_ptr<prepared_insertion>> insertions_;
 };

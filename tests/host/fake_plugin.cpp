@@ -1,15 +1,17 @@
 // A controller that obeys the documented interface without sharing its header: the virtual
 // operations stand in slot order. Every call is written to the file FAKE_PLUGIN_CALLS; in the
-// operation named by FAKE_PLUGIN_INTERRUPT Ctrl-C comes.
+// operation named by FAKE_PLUGIN_INTERRUPT Ctrl-C comes, once.
 
 #include "common/host_records.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFrame>
+#include <QJsonDocument>
 #include <QSqlDatabase>
 #include <QSqlQuery>
 #include <QThread>
+#include <QVariantMap>
 
 #include <atomic>
 #include <csignal>
@@ -82,7 +84,12 @@ public:
             QSqlQuery(u"DELETE FROM " + table);
     }
     virtual void pub_cancel_extraction() { cancelled_ = true; }
-    virtual void pub_find_source_file() { note("find"); }
+    virtual void pub_find_source_file()
+    {
+        note("find");
+        if (told_.contains(u"found"_s))
+            setProperty("found_files", told_[u"found"_s].toStringList());
+    }
     virtual void pub_set_extended_attributes_list(QList<QString> names)
     {
         note("attributes", names.join(u','));
@@ -98,6 +105,7 @@ public:
             return;
         qDebug("reading\ncookies");
         QSqlQuery(u"INSERT INTO cookies VALUES (3)"_s);
+        setProperty("reading_record", told_[u"record"_s]);
         Q_EMIT signal_extracted_records_of_plugin_overall(3);
     }
     virtual void pub_generate_chat_html_pages() { note("chat_pages"); }
@@ -115,11 +123,15 @@ private:
             calls.write(QByteArray(operation + (' ' + arguments.toUtf8())).trimmed() + '\n');
         if (qgetenv("FAKE_PLUGIN_INTERRUPT") != operation)
             return;
+        qunsetenv("FAKE_PLUGIN_INTERRUPT"); // a second Ctrl-C would kill the host
         std::raise(SIGINT);
         for (int waits = 0; waits < 100 && !cancelled_; ++waits)
             QThread::msleep(3);
     }
 
+    /// What the properties are to say, as JSON.
+    const QVariantMap told_ =
+        QJsonDocument::fromJson(qgetenv("FAKE_PLUGIN_TELLS")).toVariant().toMap();
     QList<QString> tables_;
     std::atomic<bool> cancelled_ = false;
 };

@@ -1,4 +1,5 @@
 #include <QDir>
+#include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
@@ -60,6 +61,7 @@ private:
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         environment.insert(u"FAKE_PLUGIN_CALLS"_s, path(u"calls"));
         environment.insert(u"FAKE_PLUGIN_INTERRUPT"_s, interrupt);
+        environment.insert(u"FAKE_PLUGIN_TELLS"_s, told_);
         host.setProcessEnvironment(environment);
         host.setWorkingDirectory(folder_->path());
         host.start(QStringLiteral(HOST_PROGRAM), arguments);
@@ -86,11 +88,13 @@ private:
     }
 
     std::unique_ptr<QTemporaryDir> folder_;
+    QString told_; ///< for the plug-in's properties
 
 private Q_SLOTS:
     void init()
     {
         folder_ = std::make_unique<QTemporaryDir>();
+        told_.clear();
         for (const char *name : {"evidence/Users/anna", "evidence/Users/Shared", "elsewhere/eve",
                                  "evidence/Users/Default User", "evidence/Users/.hidden"})
             QVERIFY(QDir(folder_->path()).mkpath(QString::fromLatin1(name)));
@@ -118,6 +122,7 @@ private Q_SLOTS:
         usage("--source-count -1", "-1");
         usage("--engine 3", "--engine");
         usage("--log-encrypted", "--log");
+        usage("--clear --append", "--append");
         usage("--result=", "--result");
         usage("--decipher-log x", "--decipher-log");
         usage("stray", "stray");
@@ -204,7 +209,7 @@ private Q_SLOTS:
 
         QTest::newRow("defaults")
             << u"--os winOS"_s
-            << u"engine_type 0;essentials;source_count 1;desktop_info;general_info 0000;"
+            << u"engine_type 0;essentials;engine_type 0;source_count 1;desktop_info;general_info 0000;"
                "source_info evidence/  Windows winOS anna|;"
                "tables history,bookmarks,speeddials,downloads,search_items,cookies,logins,autofill,"
                "autofill_profiles,credits_cards,extensions,sessions,cached_files,topsites;"
@@ -214,7 +219,7 @@ private Q_SLOTS:
                "--source-type home --os-display Phone --account anna:corp --account eve --clear "
                "--table topsites,history --table cookies --extended-attribute a "
                "--extended-attribute b"_s
-            << u"engine_type 2;essentials;source_count 7;ios_pointer null;desktop_info;"
+            << u"engine_type 2;essentials;engine_type 2;source_count 7;ios_pointer null;desktop_info;"
                "general_info 1111run.log;source_info evidence/ home Phone iOS_UID anna|corp,eve|;"
                "tables history,cookies,topsites;result_directory out;create_tables;clear 1;"
                "attributes a,b;find;extract;remove_temporary"_s;
@@ -245,7 +250,8 @@ private Q_SLOTS:
 
         const finished host = extract(tables + QStringList{u"--json"_s});
         const QJsonObject outcome = QJsonDocument::fromJson(host.output).object();
-        QCOMPARE(outcome.keys().join(u' '), u"cancelled database records seconds tables"_s);
+        QCOMPARE(outcome.keys().join(u' '),
+                 u"cancelled database profiles records seconds tables warnings"_s);
         QCOMPARE(outcome[u"database"_s].toString(),
                  path(u"out/Artifacts_Result/Fake_Browser/Fake_Browser.sqlite"));
         QCOMPARE(outcome[u"records"_s].toInteger(), 3);
@@ -254,6 +260,92 @@ private Q_SLOTS:
         QCOMPARE(outcome[u"cancelled"_s].toBool(), false);
 
         QCOMPARE(extract(tables + QStringList{u"--quiet"_s}).output, QByteArray());
+        QVERIFY(extract(tables).errors.contains("holds 9 rows already"));
+        QCOMPARE(extract(tables + QStringList{u"--append"_s}).errors, QByteArray());
+    }
+
+    void tells_and_records_what_was_read()
+    {
+        const QString profile = u"/Users/anna/AppData/Roaming/Opera Software/Opera Stable/"_s;
+        QVERIFY(QDir().mkpath(path(u"evidence") + profile));
+        for (const QString &name : {u"History"_s, u"History-wal"_s, u"Cookies"_s}) {
+            QFile file(path(u"evidence") + profile + name);
+            QVERIFY(file.open(QIODevice::WriteOnly));
+            file.write("abc");
+        }
+        const QString root = path(u"evidence") + profile;
+        QString record;
+        const auto entry = [&](const char *table, const QString &file, const char *outcome,
+                               int rows) {
+            record += QStringLiteral(R"({"table":"%1","path":"%2","reader":"r","outcome":"%3",)"
+                                     R"("sentence":"bad\u202e","rows":%4},)")
+                          .arg(QLatin1StringView(table), file, QLatin1StringView(outcome))
+                          .arg(rows);
+        };
+        entry("history", profile + u"History", "damaged", 2);
+        entry("downloads", profile + u"History", "damaged", 0);
+        entry("cookies", profile + u"Cookies", "unknown schema", 0);
+        entry("cookies", profile + u"Cookies", "read by an older reader", 1);
+        for (int i = 0; i < 10; ++i)
+            entry("", u"/Users/bob/"_s + QString::number(i), "unreadable", 0);
+        told_ = u"{\"found\":[\"%1History\",\"%1Cookies\"],\"record\":[%2]}"_s.arg(
+            root, record.chopped(1));
+
+        QVERIFY(QDir().mkpath(path(u"out/Artifacts_Result/Fake_Browser")));
+        const QString json = u"out/Artifacts_Result/Fake_Browser/Fake_Browser_run.json"_s;
+        QVERIFY(QFile(path(json)).open(QIODevice::WriteOnly));
+        finished host = extract({u"--os"_s, u"winOS"_s, u"--verify"_s});
+        QCOMPARE(host.status, 0);
+        QVERIFY2(host.errors.contains("_unreadable_1.json"), host.errors.constData());
+        QVERIFY2(host.output.contains("anna, Opera Stable          3\n"), host.output.constData());
+        QVERIFY2(host.output.contains(
+                     QByteArray("\ndamaged: " + profile.toUtf8() + "History: bad\\u202e\n")),
+                 host.output.constData());
+        QVERIFY(!host.output.contains("unknown schema"));
+        QVERIFY(host.output.contains("\n1 more in Fake_Browser_run.json\n"));
+        QVERIFY(host.output.contains("3 files of the evidence hashed again, none changed"));
+
+        host = extract({u"--os"_s, u"winOS"_s, u"--no-hashes"_s, u"--append"_s});
+        extract({u"--os"_s, u"winOS"_s, u"--append"_s});
+        const QJsonArray runs =
+            QJsonDocument::fromJson(read(json).toUtf8()).object()[u"runs"_s].toArray();
+        QCOMPARE(runs.size(), 3);
+        QVERIFY(runs[0][u"profiles"_s] == runs[2][u"profiles"_s]);
+        const auto files = [&runs](qsizetype run) {
+            return runs[run][u"profiles"_s][0][u"files"_s].toArray();
+        };
+        QCOMPARE(runs[0][u"warnings"_s].toArray().size(), 11);
+        QCOMPARE(runs[0][u"totals"_s][u"history"_s].toInt(), 2);
+        QCOMPARE(files(0).size(), 3);
+        QCOMPARE(files(0)[1][u"path"_s].toString(), profile + u"History");
+        QCOMPARE(files(0)[1][u"size"_s].toInt(), 3);
+        QCOMPARE(files(0)[1][u"readings"_s].toArray().size(), 2);
+        QCOMPARE(files(0)[2][u"sha256"_s].toString(),
+                 u"ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad"_s);
+        QVERIFY(files(1)[2][u"sha256"_s].isUndefined());
+    }
+
+    void tells_why_no_profile_was_found_data()
+    {
+        QTest::addColumn<QString>("arguments");
+        QTest::addColumn<QString>("cause");
+        QTest::newRow("account") << u"--account Anna"_s << u"no such account: Anna"_s;
+        QTest::newRow("level") << u"--source ."_s << u"in `evidence/`"_s;
+        QTest::newRow("system") << u"--account anna"_s << u"--os winOS"_s;
+        QTest::newRow("unused") << u"--os winOS"_s << u"no account has used"_s;
+    }
+
+    void tells_why_no_profile_was_found()
+    {
+        QFETCH(QString, arguments);
+        QFETCH(QString, cause);
+        told_ = u"{\"found\":[]}"_s;
+        QVERIFY(QDir().mkpath(path(u"evidence/Users/anna/AppData")));
+        const QString result = QDir::tempPath() + u"/host_test_result";
+        const finished host = extract(arguments.split(u' ') + QStringList{u"--result"_s, result});
+        QDir(result).removeRecursively();
+        QCOMPARE(host.status, 3);
+        QVERIFY2(host.errors.contains(cause.toUtf8()), host.errors.constData());
     }
 
     void ctrl_c_ends_the_run_in_order_data()

@@ -5,6 +5,10 @@
 #include <QCryptographicHash>
 #include <QSignalSpy>
 #include <QTest>
+#include <QThread>
+
+#include <algorithm>
+#include <memory>
 
 using namespace Qt::StringLiterals;
 
@@ -28,6 +32,8 @@ private Q_SLOTS:
     void counts_and_names();
     void records_are_cleared_as_agreed();
     void temporary_data_goes_and_nothing_else();
+    void mistakes_of_hosts_are_logged();
+    void what_became_of_each_file_is_told();
 };
 
 void controller_test::create_statements_are_the_agreed_ones()
@@ -255,6 +261,91 @@ void controller_test::temporary_data_goes_and_nothing_else()
     run.controller.pub_remove_temporary_asthetics();
     QVERIFY(!QFileInfo::exists(run.plugin_folder() + u"tmp"_s));
     QVERIFY(QFileInfo::exists(elsewhere + u"/kept"_s));
+}
+
+void controller_test::mistakes_of_hosts_are_logged()
+{
+    extraction_case run(u"macOS"_s);
+    run.prepare({u"history"_s});
+    run.log.clear();
+    struct_GLOBAL_COMMON_MIRVA_AND_ARTIFACT_source_info source;
+    source.virtual_source_path = run.result_folder() + u"missing"_s;
+    run.controller.pub_set_source_info(source);
+    QCOMPARE(run.log.messages().size(), 3);
+
+    // Writes neither to the root of the file system nor to the current folder.
+    run.controller.pub_set_result_directory({});
+    run.log.clear();
+    run.controller.pub_create_db_tables();
+    QVERIFY(run.log.messages().contains(
+        u"[create_db_tables_11]Destination Db opening -----FAILED------ "_s));
+    QVERIFY(!QFileInfo::exists(u"/Artifacts_Result"_s));
+}
+
+void controller_test::what_became_of_each_file_is_told()
+{
+    extraction_case run(u"macOS"_s);
+    run.accounts = {{u"anna"_s}, {u"bob"_s}, {u"eve"_s}};
+    const QString profile = u"Users/%1/Library/Application Support/com.operasoftware.Opera/"_s;
+    for (const extraction_case::account &one : std::as_const(run.accounts)) {
+        const QString folder = run.evidence.root() + profile.arg(one.system_user);
+        QVERIFY(QDir().mkpath(folder));
+        QFile history(folder + u"History");
+        QVERIFY(history.open(QIODevice::WriteOnly));
+        history.write(QByteArray(4096, 'x'));
+    }
+    const QString outside = run.result_folder() + u"outside"_s;
+    const QString link = run.evidence.root() + profile.arg(u"bob") + u"History";
+    QVERIFY(QFile::rename(link, outside) && QFile::link(outside, link));
+    const QString older = run.evidence.root() + profile.arg(u"eve") + u"History";
+    QVERIFY(QFile::remove(older));
+    QVERIFY(plugin_static_function::execute_db_command_by_dbpath(
+        u"create table urls as select 'u' url, 't' title, 1 visit_count, 0 typed_count, 0 "
+        "last_visit_time"_s,
+        older, u"test"_s));
+
+    // Driven by a thread of its own: counts still come in order.
+    run.prepare({u"history"_s});
+    QList<qint64> counts;
+    connect(&run.controller, &opera::signal_extracted_records_of_plugin_overall, this,
+            [&counts](qint64 records) { counts.append(records); });
+    const std::unique_ptr<QThread> worker(QThread::create([&run] {
+        run.find();
+        run.extract();
+    }));
+    worker->start();
+    QVERIFY(worker->wait());
+    QCoreApplication::processEvents();
+    QVERIFY(std::ranges::is_sorted(counts));
+    QCOMPARE(counts.last(), 1);
+
+    QCOMPARE(run.controller.property("found_files").toStringList().size(), 3);
+    QStringList told;
+    const QVariantList record = run.controller.property("reading_record").toList();
+    for (const QVariant &one : record) {
+        const QVariantMap entry = one.toMap();
+        QVERIFY(entry[u"path"_s].toString() ==
+                u'/' + profile.arg(entry[u"account"_s].toString()) + u"History");
+        told.append(entry[u"table"_s].toString() + u' ' + entry[u"account"_s].toString() + u' ' +
+                    entry[u"reader"_s].toString() + u' ' + entry[u"rows"_s].toString() + u' ' +
+                    entry[u"outcome"_s].toString());
+        QCOMPARE(entry[u"sentence"_s].toString().isEmpty(),
+                 entry[u"outcome"_s].toString().startsWith(u"read"_s));
+    }
+    QCOMPARE(told, QStringList({u"history anna extract_history_11 0 damaged"_s,
+                                u"history bob extract_history_11 0 refused"_s,
+                                u"history eve extract_history_11 0 unknown schema"_s,
+                                u"history anna extract_history_url 0 damaged"_s,
+                                u"history bob extract_history_url 0 refused"_s,
+                                u"history eve extract_history_url 1 read by an older reader"_s}));
+
+    // A result that another program holds keeps nothing.
+    QVERIFY(QFile::remove(run.database()));
+    QVERIFY(QDir().mkdir(run.database()));
+    run.extract();
+    const QVariantList lost = run.controller.property("reading_record").toList();
+    QVERIFY(!lost.isEmpty());
+    QCOMPARE(lost.last().toMap()[u"outcome"_s].toString(), u"not committed"_s);
 }
 
 QTEST_MAIN(controller_test)
