@@ -2,6 +2,7 @@
 
 #include "common/debug_log.h"
 #include "common/extraction/guarded_connection.h"
+#include "common/extraction/rollback_journal.h"
 #include "common/plugin_helper_functions.h"
 
 #include <QRegularExpression>
@@ -259,6 +260,7 @@ file_result read_path(const database_reader &reader, const QString &signature, c
     const QString copy = run.helper->get_adhoc_path_for_database(path);
     if (copy.isEmpty())
         return file_result::done;
+    roll_back_copy(path, copy, signature, run);
 
     const source_file file(path, run);
     failure_log failures(signature, file.path, file.system_user);

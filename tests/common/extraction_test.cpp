@@ -86,6 +86,27 @@ void write_to_log(const QString &path, const QString &sql)
     sqlite3_close(database);
 }
 
+/// Leaves a database as a crash does: changed in part, with the journal of what it was.
+void crash_while_writing(const QString &path, const QByteArray &sql)
+{
+    sqlite3 *database = nullptr;
+    const QString work = path + u".work"_s;
+    sqlite3_open(QFile::encodeName(work).constData(), &database);
+    sqlite3_exec(database, sql.constData(), nullptr, nullptr, nullptr);
+    sqlite3_exec(database, "pragma cache_size = 1; begin; update t set a = a + 100", nullptr,
+                 nullptr, nullptr);
+    for (const QString &suffix : {u""_s, u"-journal"_s})
+        QVERIFY(QFile::copy(work + suffix, path + suffix));
+    sqlite3_close(database);
+}
+
+QByteArray big_endian(quint32 number)
+{
+    QByteArray bytes(4, '\0');
+    qToBigEndian(number, bytes.data());
+    return bytes;
+}
+
 } // namespace
 
 class extraction_test : public QObject
@@ -97,6 +118,8 @@ private Q_SLOTS:
     void progress_is_signalled_once_a_second();
     void cancelling_keeps_the_rows_so_far();
     void a_damaged_page_is_not_taken_for_the_end();
+    void unfinished_changes_data();
+    void unfinished_changes();
     void schemas_that_compute_data();
     void schemas_that_compute();
     void texts_that_many_rows_repeat_are_cut();
@@ -188,6 +211,72 @@ void extraction_test::a_damaged_page_is_not_taken_for_the_end()
     QVERIFY(c.run.records() < 200);
     QVERIFY(
         c.log.has(u"[extract] rows of the source end early ---------FAILED----------"_s + path));
+}
+
+void extraction_test::unfinished_changes_data()
+{
+    QTest::addColumn<QByteArray>("start"); // replaces as many bytes of the journal
+    QTest::addColumn<int>("zeros");   // behind the name of a file that lists journals; < 0: none
+    QTest::addColumn<bool>("before"); // the rows are those before the changes
+    QTest::addColumn<bool>("told");
+    const QByteArray magic = QByteArray::fromHex("d9d505f920a163d7");
+    const QByteArray changed = magic + QByteArray(8, '\xff');
+    QTest::newRow("after a crash") << QByteArray() << -1 << true << false;
+    QTest::newRow("finished") << QByteArray(512, '\0') << -1 << false << false;
+    QTest::newRow("of another format") << QByteArray("other") << -1 << false << false;
+    QTest::newRow("more pages than there are")
+        << changed + big_endian(0x7fffffff) << -1 << false << true;
+    QTest::newRow("unknown size of pages")
+        << changed + big_endian(2) + big_endian(512) + big_endian(0) << -1 << false << true;
+    QTest::newRow("names another file") << QByteArray() << 0 << false << true;
+    QTest::newRow("names another file before zeros") << QByteArray() << 8 << true << false;
+    QTest::newRow("a record too short before the name")
+        << QByteArray("\xd9\xd5\x05\xf9\x20\xa1\x63\xd7\0\0\0\0", 12) << 0 << false << true;
+}
+
+void extraction_test::unfinished_changes()
+{
+    QFETCH(QByteArray, start);
+    QFETCH(int, zeros);
+    QFETCH(bool, before);
+    QFETCH(bool, told);
+    frame_case c;
+    const QString path = c.evidence.path(u"f"_s);
+    crash_while_writing(path, "create table t(a, b); with recursive n(i) as (select 1 union all "
+                              "select i+1 from n where i<50) insert into t select i, "
+                              "zeroblob(3000) from n");
+    // A list of journals of the examiner, and one that it names.
+    const QString list = c.results.filePath(u"list"_s);
+    const QString named = c.results.filePath(u"named"_s);
+    for (const QString &victim : {list, named}) {
+        QFile file(victim);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(QFile::encodeName(named) + '\0');
+    }
+    QFile journal(path + u"-journal"_s);
+    QVERIFY(journal.open(QIODevice::ReadWrite));
+    QVERIFY(journal.write(start) == start.size() && journal.seek(journal.size()));
+    if (zeros >= 0) {
+        const QByteArray name = QFile::encodeName(list);
+        quint32 sum = 0;
+        for (const char byte : name)
+            sum += static_cast<quint32>(static_cast<signed char>(byte));
+        journal.write(big_endian(0) + name + big_endian(static_cast<quint32>(name.size())) +
+                      big_endian(sum) + QByteArray::fromHex("d9d505f920a163d7") +
+                      QByteArray(zeros, '\0'));
+    }
+    journal.close();
+    const QMap<QString, QString> evidence = c.evidence.fingerprints();
+    read_databases(reader, {path}, c.run);
+    QStringList rows;
+    for (int number = 1; number <= 50; ++number)
+        rows.append(QString::number(number));
+    QCOMPARE(c.values() == rows.join(u','), before);
+    QCOMPARE(!c.log.messages().filter(u"[evidence] reading"_s).isEmpty(), told);
+    QCOMPARE(!c.log.messages().filter(u"unfinished changes are taken out"_s).isEmpty(), before);
+    QVERIFY(QFile::exists(list) && QFile::exists(named));
+    QVERIFY(!QFile::exists(c.results.path() + u"/tmp/f-journal"));
+    QCOMPARE(c.evidence.fingerprints(), evidence);
 }
 
 void extraction_test::schemas_that_compute_data()
