@@ -98,9 +98,9 @@ void opera_macos::extract_extensions(const QString &source_path)
     const QStringList files = source_path.isEmpty() ? QStringList() : QStringList(source_path);
     read_records(extensions_reader, files, state_.run, [this](record_sink &sink) {
         evidence_file file(sink.file().path);
-        const QJsonDocument document = file.open_whole(evidence_file::largest_json)
-                                           ? QJsonDocument::fromJson(file.readAll())
-                                           : QJsonDocument();
+        QByteArray text;
+        const QJsonDocument document =
+            file.read_json(text) ? QJsonDocument::fromJson(text) : QJsonDocument();
         if (!document.isObject()) {
             debug_log(u"[extract_extensions_and_themes] source file opening ---FAILED--- "_s +
                           sink.file().path,

@@ -50,8 +50,8 @@ void report(const char *text, const QString &path)
 QJsonObject read_object(const QString &path)
 {
     evidence_file file(path);
-    return file.open_whole(evidence_file::largest_json) ? relaxed_json_object(file.readAll())
-                                                        : QJsonObject();
+    QByteArray text;
+    return file.read_json(text) ? relaxed_json_object(text) : QJsonObject();
 }
 
 /// The extension's own texts in its default language. Their names do not tell case.

@@ -326,7 +326,11 @@ int read_databases(const database_reader &reader, const QStringList &files, extr
         for (const QString &path : files) {
             if (run.cancelled())
                 return 0;
-            switch (read_path(reader, signature, path, run, prepare_row, writer)) {
+            file_result end = file_result::done;
+            read_within_memory(path, run, [&] {
+                end = read_path(reader, signature, path, run, prepare_row, writer);
+            });
+            switch (end) {
             case file_result::cancelled:
                 return 0;
             case file_result::unknown_schema:

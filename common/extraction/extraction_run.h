@@ -68,6 +68,11 @@ private:
 /// cannot open it says so.
 bool lies_in_source(const QString &path, const QString &signature, const extraction_run &run);
 
+/// Reads one file of the evidence. When memory runs out meanwhile, that is reported, counted as a
+/// loss, and the run goes on: false.
+bool read_within_memory(const QString &path, extraction_run &run,
+                        const std::function<void()> &read);
+
 /// Size of a file or folder of the source in bytes. However many rows name folders that lie in each
 /// other, each is walked about once.
 QString size_in_source(const QString &path, extraction_run &run);

@@ -1,5 +1,6 @@
 // The frame that every extractor runs in, with a descriptor of its own.
 
+#include "common/evidence/evidence_file.h"
 #include "common/extraction/database_reader.h"
 #include "common/plugin_helper_functions.h"
 #include "common/plugin_static_function.h"
@@ -123,6 +124,7 @@ private Q_SLOTS:
     void schemas_that_compute_data();
     void schemas_that_compute();
     void texts_that_many_rows_repeat_are_cut();
+    void what_memory_cannot_hold();
     void rows_without_end();
     void pages_used_twice_data();
     void pages_used_twice();
@@ -346,6 +348,25 @@ void extraction_test::texts_that_many_rows_repeat_are_cut()
     QCOMPARE(lengths.first().first(), u"1000"_s);
     QCOMPARE(c.run.records(), 60);
     QCOMPARE(c.log.messages().count(u"[repeat] long texts are cut -----FAILED-----"_s + path), 1);
+}
+
+void extraction_test::what_memory_cannot_hold()
+{
+    frame_case c;
+    const auto reads = [&c](const QByteArray &json) {
+        c.evidence.file(u"f"_s, json);
+        evidence_file file(c.evidence.path(u"f"_s));
+        QByteArray text;
+        return file.read_json(text) && text == json;
+    };
+    const QByteArray entry = R"({"name":"an address","url":"https://a.example/page"},)";
+    QVERIFY(reads('[' + entry.repeated(100'000) + "0]"));
+    QVERIFY(reads("[\"" + QByteArray("[\\\"{,").repeated(1'000'000) + "\"]"));
+    QVERIFY(!reads('[' + QByteArray("[0],").repeated(1'000'000) + "0]"));
+    QVERIFY(!reads('[' + QByteArray("0,").repeated(4'000'000) + "0]"));
+    QVERIFY(!read_within_memory(u"big"_s, c.run, [] { throw std::bad_alloc(); }));
+    QCOMPARE(c.run.lost_records(), 1);
+    QCOMPARE(c.log.messages().filter(u"[evidence] reading"_s).size(), 2); // f is told once
 }
 
 void extraction_test::rows_without_end()

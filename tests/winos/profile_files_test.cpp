@@ -98,7 +98,7 @@ void winos_profile_files_test::bookmarks_on_one_huge_line()
     run.accounts = {{u"ada"_s}};
     run.evidence.file(profile + u"Bookmarks"_s, QByteArray("url:").repeated(2'000'000));
     run.run({u"bookmarks"_s});
-    QCOMPARE(run.rows(u"select url from bookmarks"_s), QList<QStringList>({{u""_s}}));
+    QCOMPARE(run.rows(u"select url from bookmarks"_s), QList<QStringList>({{u"url\u2026[cut]"_s}}));
 }
 
 void winos_profile_files_test::top_sites()
@@ -154,7 +154,7 @@ void winos_profile_files_test::session_without_zero_takes_linear_time()
     evidence.file(u"s"_s, QByteArray("http").repeated(5'000'000));
     const QStringList urls = opera_winos::extract_session_data(evidence.path(u"s"_s));
     QCOMPARE(urls.size(), 1);
-    QCOMPARE(urls.first().size(), 20'000'000);
+    QVERIFY(urls.first().size() > 2'000'000 && urls.first().endsWith(u"\u2026[cut]"_s));
 }
 
 void winos_profile_files_test::extension_rows()
