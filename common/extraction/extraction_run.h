@@ -2,15 +2,28 @@
 
 #include "common/evidence/folder_sizes.h"
 #include "common/evidence/source_file.h"
+#include "common/extraction/writing_allowance.h"
 
 #include <QString>
+#include <QStringList>
 #include <QtGlobal>
+
+#include <QHash>
 
 #include <atomic>
 #include <functional>
+#include <map>
+#include <utility>
 
 class failure_log;
 class plugin_helper_functions;
+
+/// Pictures of the source that were copied to "Images/".
+struct copied_pictures {
+    using identity = std::pair<quint64, quint64>;          ///< device and inode
+    std::map<std::pair<QString, identity>, QString> names; ///< each account has its own
+    QHash<QString, int> numbers; ///< the last that was added to a name, in lower case
+};
 
 /// What all extractors of one operating system share during a run: where the evidence lies, where
 /// rows go, whether the host has cancelled, and how many rows have been written.
@@ -35,6 +48,10 @@ public:
     /// Of the file that is being read; null between files.
     failure_log *failures = nullptr;
     class folder_sizes folder_sizes; ///< of the source
+    copied_pictures pictures;
+    QStringList finished_copies;                          ///< private copies whose readers are done
+    qint64 spare_bytes = writing_allowance::spare_of_run; ///< that values may still take beyond
+                                                          ///< what their files are granted
 
     /// May be called from any thread.
     void set_cancelled(bool cancelled) { cancelled_ = cancelled; }
