@@ -109,7 +109,6 @@ void opera_macos::extract_extensions(const QString &source_path)
         }
         const QJsonObject settings =
             document.object().value("extensions"_L1).toObject().value("settings"_L1).toObject();
-        QHash<QString, QString> copies;
         for (auto entry = settings.begin(); entry != settings.end(); ++entry) {
             const QJsonObject extension = entry.value().toObject();
             const QJsonObject manifest = extension.value("manifest"_L1).toObject();
@@ -118,7 +117,7 @@ void opera_macos::extract_extensions(const QString &source_path)
                                  QFileInfo(sink.file().path).path(), state_.run.source_root);
             const exported_picture picture =
                 export_extension_picture(folder, entry.key(), manifest, sink.file(), state_.run,
-                                         QString::fromUtf8(extensions_reader.signature), copies);
+                                         QString::fromUtf8(extensions_reader.signature));
             if (!sink.write({json_text(manifest.value("name"_L1)),
                              json_text(manifest.value("description"_L1)),
                              json_text(manifest.value("version"_L1)),

@@ -102,14 +102,13 @@ bool write_version(const QString &manifest_path, const QString &id, record_sink 
                manifest_path);
         return true;
     }
-    const extraction_run &run = sink.run();
+    extraction_run &run = sink.run();
     const source_file file(manifest_path, run);
     const QString folder = QFileInfo(manifest_path).path();
     const QString locale = json_text(manifest.value("default_locale"_L1));
     const extension_messages messages(folder, locale);
-    QHash<QString, QString> copies; // none are shared: each version has a folder of its own
     const exported_picture picture = export_extension_picture(
-        folder, id, manifest, file, run, QString::fromUtf8(extensions_reader.signature), copies);
+        folder, id, manifest, file, run, QString::fromUtf8(extensions_reader.signature));
 
     // Each row is traced to its own manifest instead of to the folder of all.
     sink.insert().begin_file(file);
