@@ -2,6 +2,7 @@
 
 #include "common/debug_log.h"
 #include "common/extraction/guarded_connection.h"
+#include "common/extraction/private_copy.h"
 #include "common/extraction/rollback_journal.h"
 #include "common/plugin_helper_functions.h"
 
@@ -257,9 +258,10 @@ file_result read_path(const database_reader &reader, const QString &signature, c
 {
     if (!lies_in_source(path, signature, run))
         return file_result::done;
-    const QString copy = run.helper->get_adhoc_path_for_database(path);
+    const QString copy = private_copy(path, run);
     if (copy.isEmpty())
         return file_result::done;
+    run.finished_copies.append(copy); // for the next file
     roll_back_copy(path, copy, signature, run);
 
     const source_file file(path, run);
