@@ -5,6 +5,9 @@
 #include <QStringList>
 
 #include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
 
 using namespace Qt::StringLiterals;
 
@@ -35,6 +38,50 @@ std::filesystem::path resolved(std::filesystem::path path)
     }
     return path;
 }
+
+#ifdef Q_OS_LINUX
+
+/// Where the path lies on its device, led by the device's number: a mount can show a folder at
+/// several places. Empty when the system does not tell.
+std::string place_on_device(const std::filesystem::path &path)
+{
+    std::ifstream mounts("/proc/self/mountinfo");
+    std::string place;
+    std::size_t longest = 0;
+    for (std::string line; std::getline(mounts, line);) {
+        std::istringstream fields(line);
+        std::string number;
+        std::string parent;
+        std::string device;
+        std::string root;
+        std::string point;
+        fields >> number >> parent >> device >> root >> point;
+        const auto plain = [](std::string &text) { // blanks are escaped as octal numbers
+            for (std::size_t at = 0; (at = text.find('\\', at)) != std::string::npos; ++at)
+                text.replace(at, 4, 1, static_cast<char>(std::stoi(text.substr(at + 1, 3), {}, 8)));
+        };
+        plain(root);
+        plain(point);
+        const std::filesystem::path below = path.lexically_relative(point);
+        // Of two mounts at one place the later one counts.
+        if (below.empty() || *below.begin() == ".." || point.size() < longest)
+            continue;
+        longest = point.size();
+        place = device + ':' + (std::filesystem::path(root) / below).lexically_normal().native();
+    }
+    while (place.ends_with('.') || place.ends_with('/'))
+        place.pop_back();
+    return place;
+}
+
+#else
+
+std::string place_on_device(const std::filesystem::path &)
+{
+    return {};
+}
+
+#endif
 
 QString users_of(const QString &source)
 {
@@ -146,6 +193,10 @@ bool lies_within(const QString &path, const QString &folder)
     const std::filesystem::path evidence = QFileInfo(folder).filesystemFilePath();
     std::error_code error;
     std::filesystem::path parent = resolved(QFileInfo(path).filesystemFilePath());
+    // A mount of a folder in the evidence has none of the evidence's folders above it.
+    const std::string source_place = place_on_device(resolved(evidence));
+    if (!source_place.empty() && (place_on_device(parent) + '/').starts_with(source_place + '/'))
+        return true;
     while (!std::filesystem::equivalent(parent, evidence, error)) {
         if (!parent.has_relative_path())
             return false;

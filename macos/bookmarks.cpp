@@ -184,7 +184,8 @@ void read_roots(const bookmark_table &table, const QString &source_path, QString
     const QStringList files = source_path.isEmpty() ? QStringList() : QStringList(source_path);
     read_records(table.reader, files, run, [&](record_sink &sink) {
         evidence_file file(sink.file().path);
-        if (!file.open_whole(evidence_file::largest_json)) {
+        QByteArray text;
+        if (!file.read_json(text)) {
             sink.unreadable(file.errorString());
             debug_log(u"[extract_11_bookmarks] source file opening ---FAILED--- "_s +
                           sink.file().path,
@@ -192,8 +193,8 @@ void read_roots(const bookmark_table &table, const QString &source_path, QString
             return reading_end::at_once;
         }
         QJsonParseError error;
-        const QJsonObject top = QJsonDocument::fromJson(file.readAll(), &error).object();
-        file.close();
+        const QJsonObject top = QJsonDocument::fromJson(text, &error).object();
+        text.clear();
         if (error.error != QJsonParseError::NoError) {
             // Without a line, a damaged file would look like one without bookmarks.
             log_failure(
@@ -281,13 +282,13 @@ bool write_line_bookmark(const line_bookmark &bookmark, record_sink &sink)
 /// Reads the browser's own layout, one key or bracket a line. Each object keeps its values on a
 /// stack until its closing bracket, so that a URL meets the name and date of its own object,
 /// whatever the order of its keys and whatever objects lie inside.
-void read_bookmark_lines(QFile &file, record_sink &sink)
+void read_bookmark_lines(evidence_file &file, record_sink &sink)
 {
     std::vector<line_bookmark> objects(1);
     while (!file.atEnd()) {
         if (sink.run().cancelled())
             return;
-        const QString line = QString::fromUtf8(file.readLine()).trimmed();
+        const QString line = QString::fromUtf8(file.read_short_line()).trimmed();
         if (line.startsWith(u'}') && objects.size() > 1) {
             if (!write_line_bookmark(objects.back(), sink))
                 return;

@@ -98,9 +98,9 @@ void opera_macos::extract_extensions(const QString &source_path)
     const QStringList files = source_path.isEmpty() ? QStringList() : QStringList(source_path);
     read_records(extensions_reader, files, state_.run, [this](record_sink &sink) {
         evidence_file file(sink.file().path);
-        const QJsonDocument document = file.open_whole(evidence_file::largest_json)
-                                           ? QJsonDocument::fromJson(file.readAll())
-                                           : QJsonDocument();
+        QByteArray text;
+        const QJsonDocument document =
+            file.read_json(text) ? QJsonDocument::fromJson(text) : QJsonDocument();
         if (!document.isObject()) {
             if (file.isOpen())
                 sink.damaged(u"no JSON object"_s);
@@ -113,7 +113,6 @@ void opera_macos::extract_extensions(const QString &source_path)
         }
         const QJsonObject settings =
             document.object().value("extensions"_L1).toObject().value("settings"_L1).toObject();
-        QHash<QString, QString> copies;
         for (auto entry = settings.begin(); entry != settings.end(); ++entry) {
             const QJsonObject extension = entry.value().toObject();
             const QJsonObject manifest = extension.value("manifest"_L1).toObject();
@@ -122,7 +121,7 @@ void opera_macos::extract_extensions(const QString &source_path)
                                  QFileInfo(sink.file().path).path(), state_.run.source_root);
             const exported_picture picture =
                 export_extension_picture(folder, entry.key(), manifest, sink.file(), state_.run,
-                                         QString::fromUtf8(extensions_reader.signature), copies);
+                                         QString::fromUtf8(extensions_reader.signature));
             if (!sink.write({json_text(manifest.value("name"_L1)),
                              json_text(manifest.value("description"_L1)),
                              json_text(manifest.value("version"_L1)),

@@ -18,12 +18,21 @@ QVariant look_up_key(const QVariant &id)
     return whole_number(id) ? id : QVariant(id.toString().trimmed());
 }
 
+/// Characters, of some 60,000 visits. A made-up file gives all its visits to one URL.
+constexpr qsizetype longest_visits = 4 << 20;
+
 /// All visits of a URL as one text: "Visit Timestamp (UTC): ...;Transition: ...", joined by ";;".
+/// Behind longest_visits the rest is only counted.
 QVariant visit_text(source_row &row, int id_column)
 {
     QString visits = empty_text();
+    qint64 left_out = 0;
     const found_rows found =
-        row.look_up(0, look_up_key(row.stored(id_column)), [&visits](const QSqlQuery &visit) {
+        row.look_up(0, look_up_key(row.stored(id_column)), [&](const QSqlQuery &visit) {
+            if (visits.size() > longest_visits) {
+                ++left_out;
+                return;
+            }
             const QVariant seconds = microseconds_since_1601_to_unix_seconds(visit.value(0));
             if (const std::optional<qint64> number = whole_number(seconds))
                 visits += u"Visit Timestamp (UTC): " + unix_seconds_to_utc_text(*number) + u';';
@@ -41,6 +50,8 @@ QVariant visit_text(source_row &row, int id_column)
         return empty_text();
     if (visits.endsWith(";;"_L1))
         visits.chop(2);
+    if (left_out > 0)
+        visits += u";;" + QString::number(left_out) + u" more visits" + cut_mark;
     return visits;
 }
 

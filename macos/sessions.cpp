@@ -39,15 +39,17 @@ constexpr qsizetype record_size = marker_size + 4; ///< marker and length of the
 /// once the URLs add up to this many times the file, each ends at the next marker.
 constexpr qint64 most_url_bytes_per_file_byte = 8;
 
-/// The URLs behind the markers, in file order.
-QList<struct_session_data> session_records(const QByteArray &content, const QString &source_path,
-                                           const extraction_run &run)
+constexpr qsizetype longest_url = 2 << 20; ///< bytes; the browser opens none that is longer
+
+/// Calls `each` with the URLs behind the markers, in file order, until it returns false.
+void for_each_record(const QByteArray &content, const QString &source_path,
+                     const extraction_run &run,
+                     const std::function<bool(const struct_session_data &)> &each)
 {
     const QString session_name = source_path.section(u'/', -1);
     const QByteArrayMatcher marker(url_marker_bytes, marker_size);
     const qint64 most_url_bytes = most_url_bytes_per_file_byte * content.size();
     qint64 url_bytes = 0;
-    QList<struct_session_data> records;
 
     qsizetype at = marker.indexIn(content);
     while (at >= 0 && at + record_size <= content.size() && !run.cancelled()) {
@@ -58,13 +60,14 @@ QList<struct_session_data> session_records(const QByteArray &content, const QStr
         if (url_bytes + length > most_url_bytes && next >= 0)
             length = std::min(length, next - start);
         url_bytes += length;
-        const QString url = QString::fromUtf8(content.constData() + start, length);
+        QString url = QString::fromUtf8(content.constData() + start, std::min(length, longest_url));
+        if (length > longest_url)
+            url += cut_mark;
         // The marker's bytes also occur where no URL follows.
-        if (!url.isEmpty())
-            records.append({session_name, url, source_path});
+        if (!url.isEmpty() && !each({session_name, url, source_path}))
+            break;
         at = next;
     }
-    return records;
 }
 
 } // namespace
@@ -81,12 +84,10 @@ void opera_macos::extract_sessions_11()
             debug_log(u"----Error---"_s + file.errorString(), signature);
             return reading_end::next_file;
         }
-        const QList<struct_session_data> records =
-            session_records(file.readAll(), path, state_.run);
-        for (const struct_session_data &record : records) {
-            if (!sink.write({record.session_name, record.url}))
-                break;
-        }
+        for_each_record(file.readAll(), path, state_.run,
+                        [&sink](const struct_session_data &record) {
+                            return sink.write({record.session_name, record.url});
+                        });
         return reading_end::next_file;
     });
 }

@@ -177,9 +177,9 @@ void read_json_file(const record_reader &reader, const char *not_readable,
     const QStringList files = source_path.isEmpty() ? QStringList() : QStringList(source_path);
     read_records(reader, files, run, [&](record_sink &sink) {
         evidence_file file(sink.file().path);
-        const QJsonDocument document = file.open_whole(evidence_file::largest_json)
-                                           ? QJsonDocument::fromJson(file.readAll())
-                                           : QJsonDocument();
+        QByteArray text;
+        const QJsonDocument document =
+            file.read_json(text) ? QJsonDocument::fromJson(text) : QJsonDocument();
         if (!document.isObject()) {
             if (file.isOpen())
                 sink.damaged(u"no JSON object"_s);

@@ -1,6 +1,7 @@
 // Where the results of a run lie, and the result tables.
 
 #include "common/debug_log.h"
+#include "common/evidence/file_paths.h"
 #include "common/named_connection.h"
 #include "common/plugin_helper_functions.h"
 #include "common/plugin_static_function.h"
@@ -34,6 +35,7 @@ void opera::set_destination_location(const QString &result_directory)
         temporary_directory_ = plugin_result_directory_ + u"tmp/";
         images_directory_ = plugin_result_directory_ + u"Images/";
         destination_db_path_ = plugin_result_directory_ + name + u".sqlite";
+        remove_folder(temporary_directory_); // a killed run leaves its copies there
         for (const QString &directory :
              {plugin_result_directory_, temporary_directory_, images_directory_})
             QDir().mkpath(directory);

@@ -43,13 +43,13 @@ QString bare_line(QByteArray line)
 /// Calls `each` for the bookmarks of the file until it returns false. Keys come in alphabetical
 /// order, so that a node's "url" ends it. Values neither outlive their node nor pass from a folder,
 /// whose own keys follow its children, to the bookmark behind it.
-void for_each_bookmark(QFile &file,
+void for_each_bookmark(evidence_file &file,
                        const std::function<bool(const opera_winos::bookmarks_data &)> &each)
 {
     const auto chopper = opera_winos::bookmarks_string_chopper;
     opera_winos::bookmarks_data current;
     while (!file.atEnd()) {
-        const QString line = bare_line(file.readLine());
+        const QString line = bare_line(file.read_short_line());
         if (line.startsWith("type:"_L1)) {
             current.type = chopper(line, u"type:"_s);
             if (current.type == "folder"_L1)

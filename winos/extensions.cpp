@@ -50,8 +50,8 @@ void report(const char *text, const QString &path)
 QJsonObject read_object(const QString &path)
 {
     evidence_file file(path);
-    return file.open_whole(evidence_file::largest_json) ? relaxed_json_object(file.readAll())
-                                                        : QJsonObject();
+    QByteArray text;
+    return file.read_json(text) ? relaxed_json_object(text) : QJsonObject();
 }
 
 /// The extension's own texts in its default language. Their names do not tell case.
@@ -103,14 +103,13 @@ bool write_version(const QString &manifest_path, const QString &id, record_sink 
                manifest_path);
         return true;
     }
-    const extraction_run &run = sink.run();
+    extraction_run &run = sink.run();
     const source_file file(manifest_path, run);
     const QString folder = QFileInfo(manifest_path).path();
     const QString locale = json_text(manifest.value("default_locale"_L1));
     const extension_messages messages(folder, locale);
-    QHash<QString, QString> copies; // none are shared: each version has a folder of its own
     const exported_picture picture = export_extension_picture(
-        folder, id, manifest, file, run, QString::fromUtf8(extensions_reader.signature), copies);
+        folder, id, manifest, file, run, QString::fromUtf8(extensions_reader.signature));
 
     // Each row is traced to its own manifest instead of to the folder of all.
     sink.insert().begin_file(file);

@@ -39,9 +39,10 @@ const record_reader last_session = {
     .insert = session_insertion,
 };
 
-} // namespace
+constexpr qsizetype longest_address = 2 << 20; ///< bytes; the browser opens none that is longer
 
-QStringList opera_winos::extract_session_data(const QString &path)
+/// Calls `each` with the addresses of the file, in order, until it returns false.
+void for_each_address(const QString &path, const std::function<bool(const QString &address)> &each)
 {
     const QString signature = u"QStringList opera_winos::extract_session_data(QString)"_s;
     debug_log(u"[extract_session_data] - Starts"_s, signature);
@@ -49,20 +50,34 @@ QStringList opera_winos::extract_session_data(const QString &path)
     if (!file.open_whole()) {
         log_failure(open_failure("[extract_session_data]File Open ---FAILED---"), signature,
                     {.error = file.errorString()});
-        return {};
+        return;
     }
     const QByteArray content = file.readAll();
     file.close();
 
-    QStringList urls;
     const QByteArrayMatcher marker("http");
     for (qsizetype at = marker.indexIn(content); at >= 0;) {
         const qsizetype zero = content.indexOf('\0', at);
         const qsizetype end = zero < 0 ? content.size() : zero;
-        urls.append(not_null(decode_percent(content.mid(at, end - at)).trimmed()));
+        const bool is_cut = end - at > longest_address;
+        const QString address =
+            decode_percent(content.mid(at, is_cut ? longest_address : end - at)).trimmed();
+        if (!each(is_cut ? address + cut_mark : not_null(address)))
+            break;
         at = marker.indexIn(content, end);
     }
     debug_log(u"[extract_session_data] - Ends"_s, signature);
+}
+
+} // namespace
+
+QStringList opera_winos::extract_session_data(const QString &path)
+{
+    QStringList urls;
+    for_each_address(path, [&urls](const QString &address) {
+        urls.append(address);
+        return true;
+    });
     return urls;
 }
 
@@ -71,11 +86,9 @@ void opera_winos::read_sessions(const record_reader &reader, const QStringList &
     read_records(reader, files, state_.run, [](record_sink &sink) {
         if (const QString reason = reason_not_readable(sink.file().path); !reason.isEmpty())
             sink.unreadable(reason);
-        const QStringList urls = extract_session_data(sink.file().path);
-        for (const QString &url : urls) {
-            if (!sink.write({url}))
-                break;
-        }
+        // Written as they are found: together they take many times the file.
+        for_each_address(sink.file().path,
+                         [&sink](const QString &address) { return sink.write({address}); });
         return reading_end::next_file;
     });
 }

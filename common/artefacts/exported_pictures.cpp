@@ -1,6 +1,7 @@
 #include "common/artefacts/exported_pictures.h"
 
 #include "common/evidence/evidence_file.h"
+#include "common/evidence/native_path.h"
 
 #include <QDir>
 #include <QFile>
@@ -20,6 +21,23 @@ void clear_the_way(const QString &path)
 {
     QDir().mkpath(QFileInfo(path).path());
     QFile::remove(path);
+}
+
+/// True when a regular file, no link, has these bytes. It may be of an earlier run.
+bool holds_same_bytes(const QString &path, const QString &source)
+{
+    evidence_file there(path);
+    evidence_file wanted(source);
+    if (!there.open_for_reading(evidence_file::links::refused) || !wanted.open_for_reading() ||
+        there.size() != wanted.size())
+        return false;
+    constexpr qint64 block = 262'144;
+    while (!wanted.atEnd()) {
+        const QByteArray bytes = wanted.read(block);
+        if (bytes.isEmpty() || there.read(block) != bytes)
+            return false;
+    }
+    return true;
 }
 
 } // namespace
@@ -47,8 +65,34 @@ bool write_picture(const QString &path, const QByteArray &bytes, QString *error)
     return false;
 }
 
-bool copy_picture(const QString &source, const QString &target)
+QString copy_picture(const QString &source, const QString &folder, const QString &account,
+                     const QStringList &parts, const QString &suffix, copied_pictures &copied)
 {
-    clear_the_way(target);
-    return copy_evidence_file(source, target);
+    const copied_pictures::identity identity = status_of(source).identity;
+    if (const auto known = copied.names.find({account, identity}); known != copied.names.end())
+        return known->second;
+    QString name = safe_picture_name(parts, suffix);
+    if (name.isEmpty())
+        return {};
+    // A file system may not tell case. Of very many pictures of one name each takes the number
+    // behind the last one's.
+    int &number = copied.numbers[name.toLower()];
+    for (bool free = false; !free; ++number) {
+        if (number > 0)
+            name = safe_picture_name(parts + QStringList(QString::number(number + 1)), suffix);
+        if (name.isEmpty())
+            return {};
+        const QFileInfo there(folder + name);
+        const bool is_same = !there.isSymLink() && holds_same_bytes(there.filePath(), source);
+        free = there.isSymLink() || !there.exists();
+        if (free) {
+            clear_the_way(there.filePath());
+            if (!copy_evidence_file(source, there.filePath()))
+                return {};
+        }
+        free = free || is_same;
+    }
+    if (identity != copied_pictures::identity())
+        copied.names.emplace(std::pair(account, identity), name);
+    return name;
 }

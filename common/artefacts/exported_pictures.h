@@ -1,5 +1,7 @@
 #pragma once
 
+#include "common/extraction/extraction_run.h"
+
 #include <QByteArray>
 #include <QString>
 #include <QStringList>
@@ -21,5 +23,8 @@ QString safe_picture_name(const QStringList &parts, const QString &suffix);
 /// missing. A symbolic link at the path is not followed. False, with the reason, when that fails.
 bool write_picture(const QString &path, const QByteArray &bytes, QString *error);
 
-/// Copies a file of the evidence, in the same way.
-bool copy_picture(const QString &source, const QString &target);
+/// Copies a file of the evidence into the folder, named by the parts (see safe_picture_name()),
+/// with a number behind them where another picture has that name. What was copied for the account
+/// already, under whatever path, is not copied again. The copy's name; empty when that fails.
+QString copy_picture(const QString &source, const QString &folder, const QString &account,
+                     const QStringList &parts, const QString &suffix, copied_pictures &copied);

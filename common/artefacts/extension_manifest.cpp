@@ -36,8 +36,7 @@ QString manifest_picture(const QJsonObject &manifest)
 
 exported_picture export_extension_picture(const QString &folder, const QString &id,
                                           const QJsonObject &manifest, const source_file &file,
-                                          const extraction_run &run, const QString &signature,
-                                          QHash<QString, QString> &earlier_copies)
+                                          extraction_run &run, const QString &signature)
 {
     const QString picture = manifest_picture(manifest);
     if (picture.isEmpty() || folder.isEmpty())
@@ -51,19 +50,17 @@ exported_picture export_extension_picture(const QString &folder, const QString &
     const QString root = QFileInfo(run.source_root).canonicalFilePath();
     exported_picture exported;
     exported.source_path = resolved.filePath().mid(root == "/"_L1 ? 0 : root.size());
-    if (const QString copy = earlier_copies.value(resolved.filePath()); !copy.isEmpty()) {
-        exported.copy_path = copy;
-        return exported;
-    }
     const QString name =
-        safe_picture_name({numbered_source_name(), file.system_user, id,
-                           json_text(manifest.value("version"_L1)), resolved.completeBaseName()},
-                          resolved.suffix().isEmpty() ? QString() : u'.' + resolved.suffix());
-    if (!name.isEmpty() && resolved.size() <= largest_picture &&
-        copy_picture(source, run.result_directory + u"Images/" + name)) {
+        resolved.size() > largest_picture
+            ? QString()
+            : copy_picture(source, run.result_directory + u"Images/", file.system_user,
+                           {numbered_source_name(), file.system_user, id,
+                            json_text(manifest.value("version"_L1)), resolved.completeBaseName()},
+                           resolved.suffix().isEmpty() ? QString() : u'.' + resolved.suffix(),
+                           run.pictures);
+    if (!name.isEmpty())
         exported.copy_path = u"./Images/"_s + name;
-        earlier_copies.insert(resolved.filePath(), exported.copy_path);
-    } else
+    else
         debug_log(operation_tag(signature) + u" picture is not copied ---------FAILED----------" +
                       resolved.filePath(),
                   signature);

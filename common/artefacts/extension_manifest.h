@@ -3,7 +3,6 @@
 #include "common/artefacts/exported_pictures.h"
 #include "common/extraction/extraction_run.h"
 
-#include <QHash>
 #include <QJsonObject>
 #include <QString>
 
@@ -15,10 +14,8 @@ QString manifest_picture(const QJsonObject &manifest);
 
 /// Copies an extension's picture to "Images/" when it lies in the extension's own folder and that
 /// in the source; the paths are empty otherwise. The copy is named after the source, the
-/// account, the extension, its version and the picture. A copy that fails, or would be larger than
-/// any such picture (16 MiB), is logged. A picture among the earlier copies, by resolved path, is
-/// not copied again.
+/// account, the extension, its version and the picture; see copy_picture(). A copy that fails, or
+/// would be larger than any such picture (16 MiB), is logged.
 exported_picture export_extension_picture(const QString &folder, const QString &id,
                                           const QJsonObject &manifest, const source_file &file,
-                                          const extraction_run &run, const QString &signature,
-                                          QHash<QString, QString> &earlier_copies);
+                                          extraction_run &run, const QString &signature);

@@ -2,6 +2,8 @@
 
 #include "common/evidence/evidence_problems.h"
 #include "common/evidence/native_path.h"
+#include "common/values/json_values.h"
+#include "common/values/text_values.h"
 
 #include <QFileInfo>
 
@@ -177,6 +179,33 @@ bool evidence_file::open_whole(qint64 largest)
     close();
     setErrorString(u"Too large to be held in memory"_s);
     return false;
+}
+
+bool evidence_file::read_json(QByteArray &text)
+{
+    constexpr qint64 spare_bytes = 48 << 20;
+    constexpr qint64 bytes_per_byte = 7; // one more is the text itself
+    if (!open_whole(largest_json))
+        return false;
+    text = readAll();
+    close();
+    if (parsed_json_bytes(text) <= spare_bytes + bytes_per_byte * text.size())
+        return true;
+    text.clear();
+    setErrorString(u"Its values would take too much memory"_s);
+    report_evidence_problem(path_, errorString() + u"; the file is not read");
+    return false;
+}
+
+QByteArray evidence_file::read_short_line()
+{
+    QByteArray line = readLine(longest_line);
+    if (line.size() < longest_line - 1 || line.endsWith('\n'))
+        return line;
+    for (QByteArray rest = line; !rest.isEmpty() && !rest.endsWith('\n');)
+        rest = readLine(longest_line);
+    report_evidence_problem(path_, u"a line of over 4 MiB is cut"_s);
+    return line + cut_mark.toUtf8();
 }
 
 qint64 evidence_file::stored_size() const

@@ -22,6 +22,12 @@ public:
     /// false for a larger file. One full of holes takes no room in the evidence, and all the memory
     /// of the host.
     bool open_whole(qint64 largest = largest_bytes);
+    /// Opens, reads and closes a JSON file, without parsing it. False also for one whose values
+    /// would take more memory than JSON of its size needs, which is reported.
+    bool read_json(QByteArray &text);
+    /// The next line, of at most longest_line bytes: the rest of a longer one is passed over and
+    /// cut_mark stands for it.
+    QByteArray read_short_line();
     /// Bytes that the open file takes on its disk; its size where the system does not tell.
     qint64 stored_size() const;
     bool atEnd() const override { return ended_ || QFile::atEnd(); }
@@ -30,6 +36,7 @@ public:
     // size.
     static constexpr qint64 largest_bytes = 512LL << 20;
     static constexpr qint64 largest_json = 128LL << 20;
+    static constexpr qint64 longest_line = 4LL << 20;
 
 protected:
     qint64 readData(char *data, qint64 length) override;

@@ -119,12 +119,16 @@ file_status status_of(const QString &shown)
     if (::statx(AT_FDCWD, native_path(shown).constData(), 0, STATX_BASIC_STATS | STATX_BTIME,
                 &found) != 0)
         return {};
-    return {true, S_ISDIR(found.stx_mode), static_cast<qint64>(found.stx_size),
+    return {true,
+            S_ISDIR(found.stx_mode),
+            static_cast<qint64>(found.stx_size),
             (found.stx_mask & STATX_BTIME) != 0 ? time(found.stx_btime) : QDateTime(),
-            time(found.stx_mtime)};
+            time(found.stx_mtime),
+            {quint64{found.stx_dev_major} << 32 | found.stx_dev_minor, found.stx_ino}};
 #else
     const QFileInfo found(shown);
-    return {found.exists(), found.isDir(), found.size(), found.birthTime(), found.lastModified()};
+    return {found.exists(),    found.isDir(),        found.size(),
+            found.birthTime(), found.lastModified(), {}};
 #endif
 }
 

@@ -4,6 +4,8 @@
 #include <QDateTime>
 #include <QString>
 
+#include <utility>
+
 // Paths of the evidence as the system takes them. A name there may be bytes that are no text, and a
 // path may be longer than the system takes at once: such a file has a shown path, a text, and a
 // native one beside it.
@@ -52,6 +54,7 @@ struct file_status {
     qint64 size = 0; ///< bytes
     QDateTime birth;
     QDateTime modified;
+    std::pair<quint64, quint64> identity; ///< device and inode; zeros where the system has none
 };
 
 file_status status_of(const QString &shown);

@@ -2,6 +2,8 @@
 
 #include "common/debug_log.h"
 #include "common/extraction/guarded_connection.h"
+#include "common/extraction/private_copy.h"
+#include "common/extraction/rollback_journal.h"
 #include "common/plugin_helper_functions.h"
 
 #include <QRegularExpression>
@@ -279,12 +281,17 @@ file_result read_path(const database_reader &reader, const QString &signature, c
     const recorded_reading recorded(run, reader.readings.front().insert.sql, signature, path);
     if (!lies_in_source(path, signature, run))
         return file_result::done;
-    const QString copy = run.helper->get_adhoc_path_for_database(path);
+    const qint64 lost_before = run.lost_records();
+    const QString copy = private_copy(path, run);
+    if (run.lost_records() != lost_before)
+        run.readings.note(outcome::not_committed, u"no room for a private copy"_s);
     if (copy.isEmpty()) {
         if (!run.cancelled())
             run.readings.note(outcome::unreadable, u"no private copy can be made"_s);
         return file_result::done;
     }
+    run.finished_copies.append(copy); // for the next file
+    roll_back_copy(path, copy, signature, run);
 
     const source_file file(path, run);
     failure_log failures(signature, file.path, file.system_user);
@@ -358,7 +365,11 @@ int read_databases(const database_reader &reader, const QStringList &files, extr
         for (const QString &path : files) {
             if (run.cancelled())
                 return 0;
-            switch (read_path(reader, signature, path, run, prepare_row, writer)) {
+            file_result end = file_result::done;
+            read_within_memory(path, run, [&] {
+                end = read_path(reader, signature, path, run, prepare_row, writer);
+            });
+            switch (end) {
             case file_result::cancelled:
                 return 0;
             case file_result::unknown_schema:

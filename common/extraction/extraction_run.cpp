@@ -4,6 +4,7 @@
 
 #include "common/debug_log.h"
 #include "common/evidence/evidence_file.h"
+#include "common/evidence/evidence_problems.h"
 #include "common/evidence/file_paths.h"
 #include "common/evidence/native_path.h"
 #include "common/extraction/failure_log.h"
@@ -11,6 +12,7 @@
 #include <QFileInfo>
 
 #include <chrono>
+#include <new>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -57,6 +59,18 @@ bool lies_in_source(const QString &path, const QString &signature, extraction_ru
               signature);
     run.readings.note(reading_record::outcome::refused, u"links lead out of the source"_s);
     return false;
+}
+
+bool read_within_memory(const QString &path, extraction_run &run, const std::function<void()> &read)
+{
+    try {
+        read();
+        return true;
+    } catch (const std::bad_alloc &) {
+        report_evidence_problem(path, u"memory does not suffice; the rest is not read"_s);
+        run.count_lost(1);
+        return false;
+    }
 }
 
 QString size_in_source(const QString &path, extraction_run &run)

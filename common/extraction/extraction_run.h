@@ -3,16 +3,28 @@
 #include "common/evidence/folder_sizes.h"
 #include "common/evidence/source_file.h"
 #include "common/extraction/reading_record.h"
+#include "common/extraction/writing_allowance.h"
 
 #include <QString>
 #include <QStringList>
 #include <QtGlobal>
 
+#include <QHash>
+
 #include <atomic>
 #include <functional>
+#include <map>
+#include <utility>
 
 class failure_log;
 class plugin_helper_functions;
+
+/// Pictures of the source that were copied to "Images/".
+struct copied_pictures {
+    using identity = std::pair<quint64, quint64>;          ///< device and inode
+    std::map<std::pair<QString, identity>, QString> names; ///< each account has its own
+    QHash<QString, int> numbers; ///< the last that was added to a name, in lower case
+};
 
 /// What all extractors of one operating system share during a run: where the evidence lies, where
 /// rows go, whether the host has cancelled, and how many rows have been written.
@@ -39,6 +51,10 @@ public:
     class folder_sizes folder_sizes; ///< of the source
     reading_record readings;
     QStringList found_files = {}; ///< of the evidence, as found; a reader may share one with others
+    copied_pictures pictures;
+    QStringList finished_copies;                          ///< private copies whose readers are done
+    qint64 spare_bytes = writing_allowance::spare_of_run; ///< that values may still take beyond
+                                                          ///< what their files are granted
 
     /// May be called from any thread.
     void set_cancelled(bool cancelled) { cancelled_ = cancelled; }
@@ -71,6 +87,11 @@ private:
 /// lead out of the source: such a file is not touched. True for one that is not there (any more):
 /// that its reader cannot open it says so.
 bool lies_in_source(const QString &path, const QString &signature, extraction_run &run);
+
+/// Reads one file of the evidence. When memory runs out meanwhile, that is reported, counted as a
+/// loss, and the run goes on: false.
+bool read_within_memory(const QString &path, extraction_run &run,
+                        const std::function<void()> &read);
 
 /// Size of a file or folder of the source in bytes. However many rows name folders that lie in each
 /// other, each is walked about once.

@@ -42,6 +42,8 @@ protected:
     void set_source_info(const source_record &info)
     {
         state_.run.source_root = info.virtual_source_path;
+        state_.run.pictures = {};
+        state_.run.spare_bytes = writing_allowance::spare_of_run;
         state_.run.source_type = info.source_type_internal;
         state_.run.os_scheme_display = info.os_scheme_display;
     }
@@ -54,6 +56,7 @@ protected:
     {
         state_.run.result_directory = result_directory;
         state_.run.temporary_directory = temporary_directory;
+        state_.run.finished_copies.clear();
         state_.run.destination_path = destination_db_path;
     }
     void set_tables(const QStringList &tables) { state_.table_list = tables; }

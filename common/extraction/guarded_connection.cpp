@@ -35,9 +35,10 @@ void tell_once_that_nothing_guards(const QString &signature)
 } // namespace
 
 guarded_connection::guarded_connection(const QString &name, const QString &copy,
-                                       const extraction_run &run, const QString &signature)
+                                       const extraction_run &run, const QString &signature,
+                                       named_connection::access mode)
     : size_(size_with_companions(copy)), guard_(run.cancel_flag(), size_),
-      connection_(name, copy, named_connection::access::read_only)
+      connection_(name, copy, mode)
 {
     if (!guard_.armed() && is_open())
         tell_once_that_nothing_guards(signature);

@@ -16,7 +16,8 @@ class guarded_connection
 public:
     /// The first connection of the process that cannot be guarded is logged.
     guarded_connection(const QString &name, const QString &copy, const extraction_run &run,
-                       const QString &signature);
+                       const QString &signature,
+                       named_connection::access mode = named_connection::access::read_only);
     guarded_connection(const guarded_connection &) = delete;
     guarded_connection &operator=(const guarded_connection &) = delete;
 

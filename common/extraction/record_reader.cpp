@@ -31,7 +31,9 @@ bool read_all(const record_reader &reader, const QString &signature, const QStri
         failure_log failures(signature, file.path, file.system_user);
         const QScopedValueRollback current_failures(run.failures, &failures);
         record_sink sink(writer.begin_file(reader.insert, file), file, run);
-        if (read_file(sink) == reading_end::at_once || run.cancelled())
+        reading_end end = reading_end::next_file;
+        read_within_memory(path, run, [&] { end = read_file(sink); });
+        if (end == reading_end::at_once || run.cancelled())
             return false;
     }
     return true;

@@ -63,8 +63,8 @@ void row_insertion::begin_file(const source_file &file)
         ++position;
     }
     const QFileInfo info(file.path);
-    allowance_ =
-        writing_allowance(info.isFile() ? info.size() + QFileInfo(file.path + u"-wal").size() : 0);
+    allowance_ = writing_allowance(
+        info.isFile() ? info.size() + QFileInfo(file.path + u"-wal").size() : 0, run_.spare_bytes);
 }
 
 void row_insertion::bind(source_row &row)

@@ -48,7 +48,7 @@ private:
     extraction_run &run_;
     QString prepare_error_; ///< set when the INSERT does not fit the result table
     bound_values bound_;    ///< after the preparation, which forgets them
-    writing_allowance allowance_;
+    writing_allowance allowance_{0, run_.spare_bytes};
 };
 
 /// The result side of one extractor call: one connection named by the extractor's signature, one

@@ -47,6 +47,28 @@ QJsonObject relaxed_json_object(const QByteArray &text)
     return QJsonDocument::fromJson(without_comments(json)).object();
 }
 
+qint64 parsed_json_bytes(const QByteArray &text)
+{
+    // As Qt's parser allocates, rounded up: lists grow by doubling.
+    constexpr qint64 of_container = 192;
+    constexpr qint64 of_value = 32;
+    constexpr qint64 of_character = 2;
+    qint64 bytes = of_character * text.size();
+    bool in_string = false;
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const char c = text.at(i);
+        if (c == '"')
+            in_string = !in_string;
+        else if (in_string)
+            i += c == '\\' ? 1 : 0;
+        else if (c == '[' || c == '{')
+            bytes += of_container;
+        else if (c == ',' || c == ':')
+            bytes += of_value;
+    }
+    return bytes;
+}
+
 QString json_text(const QJsonValue &value)
 {
     if (value.isDouble())

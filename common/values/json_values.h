@@ -10,6 +10,9 @@
 /// object even so.
 QJsonObject relaxed_json_object(const QByteArray &text);
 
+/// Bytes of memory that the parsed form of a JSON text takes at most, whatever the text holds.
+qint64 parsed_json_bytes(const QByteArray &text);
+
 /// Strings as they are, numbers in decimal, anything else empty.
 QString json_text(const QJsonValue &value);
 

@@ -20,6 +20,9 @@ inline QString not_null(const QString &text)
     return text.isNull() ? empty_text() : text;
 }
 
+/// Stands at the end of a text of which the rest was left out.
+inline constexpr QStringView cut_mark = u"\u2026[cut]";
+
 /// Length of a "\uXXXX" escape.
 constexpr qsizetype unicode_escape_size = 6;
 

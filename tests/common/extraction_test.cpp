@@ -1,5 +1,6 @@
 // The frame that every extractor runs in, with a descriptor of its own.
 
+#include "common/evidence/evidence_file.h"
 #include "common/extraction/database_reader.h"
 #include "common/plugin_helper_functions.h"
 #include "common/plugin_static_function.h"
@@ -105,6 +106,27 @@ void write_to_log(const QString &path, const QString &sql)
     sqlite3_close(database);
 }
 
+/// Leaves a database as a crash does: changed in part, with the journal of what it was.
+void crash_while_writing(const QString &path, const QByteArray &sql)
+{
+    sqlite3 *database = nullptr;
+    const QString work = path + u".work"_s;
+    sqlite3_open(QFile::encodeName(work).constData(), &database);
+    sqlite3_exec(database, sql.constData(), nullptr, nullptr, nullptr);
+    sqlite3_exec(database, "pragma cache_size = 1; begin; update t set a = a + 100", nullptr,
+                 nullptr, nullptr);
+    for (const QString &suffix : {u""_s, u"-journal"_s})
+        QVERIFY(QFile::copy(work + suffix, path + suffix));
+    sqlite3_close(database);
+}
+
+QByteArray big_endian(quint32 number)
+{
+    QByteArray bytes(4, '\0');
+    qToBigEndian(number, bytes.data());
+    return bytes;
+}
+
 } // namespace
 
 class extraction_test : public QObject
@@ -116,9 +138,12 @@ private Q_SLOTS:
     void progress_is_signalled_once_a_second();
     void cancelling_keeps_the_rows_so_far();
     void a_damaged_page_is_not_taken_for_the_end();
+    void unfinished_changes_data();
+    void unfinished_changes();
     void schemas_that_compute_data();
     void schemas_that_compute();
     void texts_that_many_rows_repeat_are_cut();
+    void what_memory_cannot_hold();
     void rows_without_end();
     void pages_used_twice_data();
     void pages_used_twice();
@@ -209,6 +234,72 @@ void extraction_test::a_damaged_page_is_not_taken_for_the_end()
         c.log.has(u"[extract] rows of the source end early ---------FAILED----------"_s + path));
 }
 
+void extraction_test::unfinished_changes_data()
+{
+    QTest::addColumn<QByteArray>("start"); // replaces as many bytes of the journal
+    QTest::addColumn<int>("zeros");   // behind the name of a file that lists journals; < 0: none
+    QTest::addColumn<bool>("before"); // the rows are those before the changes
+    QTest::addColumn<bool>("told");
+    const QByteArray magic = QByteArray::fromHex("d9d505f920a163d7");
+    const QByteArray changed = magic + QByteArray(8, '\xff');
+    QTest::newRow("after a crash") << QByteArray() << -1 << true << false;
+    QTest::newRow("finished") << QByteArray(512, '\0') << -1 << false << false;
+    QTest::newRow("of another format") << QByteArray("other") << -1 << false << false;
+    QTest::newRow("more pages than there are")
+        << changed + big_endian(0x7fffffff) << -1 << false << true;
+    QTest::newRow("unknown size of pages")
+        << changed + big_endian(2) + big_endian(512) + big_endian(0) << -1 << false << true;
+    QTest::newRow("names another file") << QByteArray() << 0 << false << true;
+    QTest::newRow("names another file before zeros") << QByteArray() << 8 << true << false;
+    QTest::newRow("a record too short before the name")
+        << QByteArray("\xd9\xd5\x05\xf9\x20\xa1\x63\xd7\0\0\0\0", 12) << 0 << false << true;
+}
+
+void extraction_test::unfinished_changes()
+{
+    QFETCH(QByteArray, start);
+    QFETCH(int, zeros);
+    QFETCH(bool, before);
+    QFETCH(bool, told);
+    frame_case c;
+    const QString path = c.evidence.path(u"f"_s);
+    crash_while_writing(path, "create table t(a, b); with recursive n(i) as (select 1 union all "
+                              "select i+1 from n where i<50) insert into t select i, "
+                              "zeroblob(3000) from n");
+    // A list of journals of the examiner, and one that it names.
+    const QString list = c.results.filePath(u"list"_s);
+    const QString named = c.results.filePath(u"named"_s);
+    for (const QString &victim : {list, named}) {
+        QFile file(victim);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(QFile::encodeName(named) + '\0');
+    }
+    QFile journal(path + u"-journal"_s);
+    QVERIFY(journal.open(QIODevice::ReadWrite));
+    QVERIFY(journal.write(start) == start.size() && journal.seek(journal.size()));
+    if (zeros >= 0) {
+        const QByteArray name = QFile::encodeName(list);
+        quint32 sum = 0;
+        for (const char byte : name)
+            sum += static_cast<quint32>(static_cast<signed char>(byte));
+        journal.write(big_endian(0) + name + big_endian(static_cast<quint32>(name.size())) +
+                      big_endian(sum) + QByteArray::fromHex("d9d505f920a163d7") +
+                      QByteArray(zeros, '\0'));
+    }
+    journal.close();
+    const QMap<QString, QString> evidence = c.evidence.fingerprints();
+    read_databases(reader, {path}, c.run);
+    QStringList rows;
+    for (int number = 1; number <= 50; ++number)
+        rows.append(QString::number(number));
+    QCOMPARE(c.values() == rows.join(u','), before);
+    QCOMPARE(!c.log.messages().filter(u"[evidence] reading"_s).isEmpty(), told);
+    QCOMPARE(!c.log.messages().filter(u"unfinished changes are taken out"_s).isEmpty(), before);
+    QVERIFY(QFile::exists(list) && QFile::exists(named));
+    QVERIFY(!QFile::exists(c.results.path() + u"/tmp/f-journal"));
+    QCOMPARE(c.evidence.fingerprints(), evidence);
+}
+
 void extraction_test::schemas_that_compute_data()
 {
     QTest::addColumn<QByteArray>("table");
@@ -273,9 +364,29 @@ void extraction_test::texts_that_many_rows_repeat_are_cut()
     const QList<QStringList> lengths =
         result_rows(c.run.destination_path, u"select length(a), count(*) from r group by 1"_s);
     QCOMPARE(lengths.size(), 2);
-    QCOMPARE(lengths.first().first(), u"1000"_s);
+    QCOMPARE(lengths.first().first(), u"98"_s);
     QCOMPARE(c.run.records(), 60);
+    QVERIFY(c.values().endsWith(u"x\u2026[cut]"_s));
     QCOMPARE(c.log.messages().count(u"[repeat] long texts are cut -----FAILED-----"_s + path), 1);
+}
+
+void extraction_test::what_memory_cannot_hold()
+{
+    frame_case c;
+    const auto reads = [&c](const QByteArray &json) {
+        c.evidence.file(u"f"_s, json);
+        evidence_file file(c.evidence.path(u"f"_s));
+        QByteArray text;
+        return file.read_json(text) && text == json;
+    };
+    const QByteArray entry = R"({"name":"an address","url":"https://a.example/page"},)";
+    QVERIFY(reads('[' + entry.repeated(100'000) + "0]"));
+    QVERIFY(reads("[\"" + QByteArray("[\\\"{,").repeated(1'000'000) + "\"]"));
+    QVERIFY(!reads('[' + QByteArray("[0],").repeated(1'000'000) + "0]"));
+    QVERIFY(!reads('[' + QByteArray("0,").repeated(4'000'000) + "0]"));
+    QVERIFY(!read_within_memory(u"big"_s, c.run, [] { throw std::bad_alloc(); }));
+    QCOMPARE(c.run.lost_records(), 1);
+    QCOMPARE(c.log.messages().filter(u"[evidence] reading"_s).size(), 2); // f is told once
 }
 
 void extraction_test::rows_without_end()

@@ -7,6 +7,8 @@
 #include <QDir>
 #include <QTest>
 
+#include <unistd.h>
+
 using namespace Qt::StringLiterals;
 
 namespace
@@ -33,6 +35,7 @@ private Q_SLOTS:
     void manifests_data();
     void manifests();
     void extension_pictures_stay_in_their_folder();
+    void extension_pictures_are_never_replaced();
     void extensions_that_are_a_file();
     void pictures();
 };
@@ -98,7 +101,7 @@ void winos_profile_files_test::bookmarks_on_one_huge_line()
     run.accounts = {{u"ada"_s}};
     run.evidence.file(profile + u"Bookmarks"_s, QByteArray("url:").repeated(2'000'000));
     run.run({u"bookmarks"_s});
-    QCOMPARE(run.rows(u"select url from bookmarks"_s), QList<QStringList>({{u""_s}}));
+    QCOMPARE(run.rows(u"select url from bookmarks"_s), QList<QStringList>({{u"url\u2026[cut]"_s}}));
 }
 
 void winos_profile_files_test::top_sites()
@@ -154,7 +157,7 @@ void winos_profile_files_test::session_without_zero_takes_linear_time()
     evidence.file(u"s"_s, QByteArray("http").repeated(5'000'000));
     const QStringList urls = opera_winos::extract_session_data(evidence.path(u"s"_s));
     QCOMPARE(urls.size(), 1);
-    QCOMPARE(urls.first().size(), 20'000'000);
+    QVERIFY(urls.first().size() > 2'000'000 && urls.first().endsWith(u"\u2026[cut]"_s));
 }
 
 void winos_profile_files_test::extension_rows()
@@ -245,6 +248,33 @@ void winos_profile_files_test::extension_pictures_stay_in_their_folder()
     QCOMPARE(run.rows(u"select name, icon_source_path, icon_copy_path from extensions"_s),
              QList<QStringList>(4, QStringList{u"n"_s, u""_s, u""_s}));
     QVERIFY(QDir(run.plugin_folder() + u"Images").entryList(QDir::Files).isEmpty());
+}
+
+void winos_profile_files_test::extension_pictures_are_never_replaced()
+{
+    extraction_case run(u"winOS"_s);
+    run.accounts = {{u"ada"_s}, {u"ada_x"_s}};
+    const auto add = [&run](const QString &account, const QString &folder) {
+        const QString place = winos_profile(account) + u"Extensions/" + folder;
+        run.evidence.file(place + u"/manifest.json",
+                          R"({"name":"n","version":"1","icons":{"9":"i.png"}})");
+        return place + u"/i.png";
+    };
+    const QString first = add(u"ada"_s, u"x_id/1_0"_s);
+    run.evidence.file(first, "first");
+    run.evidence.file(add(u"ada"_s, u"x_id/1_1"_s), "second");
+    run.evidence.file(add(u"ada_x"_s, u"id/1_0"_s), "third");
+    QVERIFY(
+        ::link(QFile::encodeName(run.evidence.path(first)).constData(),
+               QFile::encodeName(run.evidence.path(add(u"ada"_s, u"z_link/1_0"_s))).constData()) ==
+        0);
+    run.run({u"extensions"_s});
+    const QString name = u"./Images/Source7_ada_x_id_1_i"_s;
+    QCOMPARE(run.lines(u"select icon_copy_path from extensions"_s),
+             QStringList({name + u".png", name + u"_2.png", name + u".png", name + u"_3.png"}));
+    QFile third(run.plugin_folder() + u"Images/Source7_ada_x_id_1_i_3.png");
+    QVERIFY(third.open(QIODevice::ReadOnly));
+    QCOMPARE(third.readAll(), "third");
 }
 
 void winos_profile_files_test::extensions_that_are_a_file()
