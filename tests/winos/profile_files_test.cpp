@@ -254,7 +254,7 @@ void winos_profile_files_test::extension_pictures_are_never_replaced()
 {
     extraction_case run(u"winOS"_s);
     run.accounts = {{u"ada"_s}, {u"ada_x"_s}};
-    const auto add = [&run](const QString &account, const QString &folder) {
+    const auto add = [&run](const QString &account, const QString &folder) -> QString {
         const QString place = winos_profile(account) + u"Extensions/" + folder;
         run.evidence.file(place + u"/manifest.json",
                           R"({"name":"n","version":"1","icons":{"9":"i.png"}})");
