@@ -84,8 +84,8 @@ const database_reader winos_readers::history_url = {
                               text_of(derived(local_path)), // url_text
                               text_of(derived(local_path)), // preview_file_path
                               text_of(derived(local_path)), // export_file_paths
-                              from_row(visit_time, 2), from_row(visit_duration, 1), derived(hidden),
-                              os_scheme_display, source_count_name}},
+                              from_row(visit_time, 2), text_of(from_row(visit_duration, 1)),
+                              text_of(derived(hidden)), os_scheme_display, source_count_name}},
     }},
     .look_ups = {{.statement = "select url,title,visit_count,typed_count,last_visit_time,hidden "
                                "from urls WHERE id=?",
@@ -165,7 +165,10 @@ void opera_winos::derive_visit(source_row &row, path_cache &local_paths) const
     row.derived[url] = address;
     row.derived[last_visit_time] =
         microseconds_since_1601_to_unix_seconds(row.derived.at(last_visit_time));
-    row.derived[hidden] = yes_no_or_stored(row.derived.at(hidden).toString());
+    const std::optional<qint64> flag = whole_number(row.derived.at(hidden));
+    row.derived[hidden] = flag == 0 || flag == 1
+                              ? yes_or_no(flag == 1)
+                              : yes_no_or_stored(row.derived.at(hidden).toString());
     if (!address.contains("file://"_L1)) {
         row.derived[local_path] = empty_text();
     } else if (const QString *known = local_paths.object(address)) {

@@ -121,7 +121,8 @@ value_rule yes_when_one(int column)
                 const std::optional<qint64> number = whole_number(stored);
                 return yes_or_no(number ? *number == 1 : stored.toString() == "1"_L1);
             },
-            .column = column};
+            .column = column,
+            .is_text = true};
 }
 
 value_rule yes_when_trimmed_one(int column)
@@ -131,7 +132,8 @@ value_rule yes_when_trimmed_one(int column)
                 const std::optional<qint64> number = whole_number(stored);
                 return yes_or_no(number ? *number == 1 : stored.toString().trimmed() == "1"_L1);
             },
-            .column = column};
+            .column = column,
+            .is_text = true};
 }
 
 value_rule percent_decoded(int column)

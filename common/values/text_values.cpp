@@ -23,17 +23,21 @@ QString decode_percent(const QByteArray &encoded)
     };
     QByteArray decoded;
     decoded.reserve(encoded.size());
-    for (qsizetype i = 0; i < encoded.size(); ++i) {
-        const bool escape = encoded.at(i) == '%' && i + 2 < encoded.size() &&
-                            digit(encoded.at(i + 1)) >= 0 && digit(encoded.at(i + 2)) >= 0;
-        if (escape) {
-            decoded.append(
-                static_cast<char>(digit(encoded.at(i + 1)) * 16 + digit(encoded.at(i + 2))));
-            i += 2;
-        } else {
-            decoded.append(encoded.at(i));
+    qsizetype from = 0; // of what is not taken over yet
+    for (qsizetype at = encoded.indexOf('%'); at >= 0 && at + 2 < encoded.size();
+         at = encoded.indexOf('%', at)) {
+        const int high = digit(encoded.at(at + 1));
+        const int low = digit(encoded.at(at + 2));
+        if (high < 0 || low < 0) {
+            ++at;
+            continue;
         }
+        decoded.append(encoded.constData() + from, at - from);
+        decoded.append(static_cast<char>(high * 16 + low));
+        at += 3;
+        from = at;
     }
+    decoded.append(encoded.constData() + from, encoded.size() - from);
     return QString::fromUtf8(decoded);
 }
 

@@ -198,11 +198,16 @@ QString seconds_to_duration_text(int duration)
 {
     if (duration < 0)
         return empty_text();
+    // Runs for every visit of a history.
     const int hours = duration / 3600;
-    const QString below_hour = two_digits(duration % 3600 / 60) + u':' + two_digits(duration % 60);
+    char16_t text[] = u"mm:ss";
+    const std::span field(text);
+    put_digits(field.subspan(0, 2), duration % 3600 / 60);
+    put_digits(field.subspan(3, 2), duration % 60);
+    const QStringView below_hour(text, field.size() - 1);
     if (hours == 0)
-        return below_hour + u" Min";
-    return two_digits(hours) + u':' + below_hour + u" Hrs";
+        return below_hour + u" Min"_s;
+    return two_digits(hours) + u':' + below_hour + u" Hrs"_s;
 }
 
 QString seconds_since_2001_to_unix_seconds(const QString &apple_time)
