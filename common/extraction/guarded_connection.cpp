@@ -84,11 +84,12 @@ QString guarded_connection::check_structure()
     if (schema_computes())
         return u"not checked, the schema computes values"_s;
     // Pages that fail it are told, but their sound cells are read.
-    QSqlQuery(u"PRAGMA cell_size_check = on"_s, database());
+    QSqlQuery settings(database());
+    settings.exec(u"PRAGMA cell_size_check = on"_s);
     guarded_query check(*this, u"PRAGMA quick_check(1)"_s);
     const bool answered = check.execute() && check.next();
     const QString answer = answered ? check.value(0).toString().simplified() : check.error_text();
-    QSqlQuery(u"PRAGMA cell_size_check = off"_s, database());
+    settings.exec(u"PRAGMA cell_size_check = off"_s);
     guard_.renew(); // a check that came to no end must not cost the rows
     return answer;
 }
