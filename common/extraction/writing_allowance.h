@@ -84,7 +84,7 @@ private:
             bytes += stored_bytes(QStringView(text).mid(end++, 1));
         if (end > 0 && text.at(end - 1).isHighSurrogate())
             --end;
-        value = QString(text.left(end) + cut_mark);
+        value = text.left(end).append(cut_mark);
     }
 
     void admit_bytes(QVariant &value, const QByteArray &bytes)
